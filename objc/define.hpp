@@ -47,11 +47,15 @@ inline handle object_ivar(handle object, char const* name)
 }
 
 // A C++ value that belongs to an object, made when it is first asked for and destroyed with the object.
-// T's table has a row state<S>().
+// T's table has a row state<S>(). The variable is named after the class, since GNU libobjc refuses a
+// variable whose name a superclass has taken.
+template <class T>
+inline constexpr auto state_ivar_name = fixed_string { "_stateOf" } + T::class_name;
+
 template <class S, class T>
 S& state(T self)
 {
-    S*& held = ivar<S*, "_state">(self);
+    S*& held = ivar<S*, state_ivar_name<T>>(self);
     if (!held)
         held = new S();
     return *held;
@@ -169,8 +173,9 @@ public:
     template <class S>
     define& state()
     {
-        ivar<"_state", void*>();
-        cleanups().push_back([](T self) { delete std::exchange(objc::ivar<S*, "_state">(self), nullptr); });
+        ivar<state_ivar_name<T>, void*>();
+        cleanups().push_back(
+            [](T self) { delete std::exchange(objc::ivar<S*, state_ivar_name<T>>(self), nullptr); });
         return *this;
     }
 
