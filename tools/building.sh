@@ -43,8 +43,9 @@ freeMegabytes()
 follow()
 {
     local kind=$1 line state="" shown="" next=$((SECONDS + 30)) settled=0
+    exec 8>> "$g_log"
     while IFS= read -r line || [[ -n $line ]]; do
-        printf '%s\n' "$line" 2> /dev/null >> "$g_log" || g_diskFull=yes
+        { printf '%s\n' "$line" >&8; } 2> /dev/null || g_diskFull=yes
         case $line in
             *"No space left on device"* | *"Disk quota exceeded"* | *"enough free space in"*)
                 g_diskFull=yes
@@ -74,6 +75,7 @@ follow()
             next=$((SECONDS + 30))
         fi
     done
+    exec 8>&-
     [[ ! -t 2 || -z $shown ]] || printf '\r\033[K' >&2
 }
 
