@@ -1,0 +1,13 @@
+// Foundation as a whole: what GNUstep Base lacks or does in its own way. What boot calls first. Main thread.
+#pragma once
+
+namespace phone {
+
+// Weak references, NSTimer and NSDate on the phone's clock, locale and time zone from the boot options,
+// property-list files through the device root, index paths, tracing of notification centres. Once a process.
+void defineFoundation();
+
+// Applies language and time zone of the boot options again (a boot in the same process).
+void applyLocaleOptions();
+
+}

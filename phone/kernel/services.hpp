@@ -1,0 +1,34 @@
+// What every part of the phone reaches for: clock, trace and boot options of this process's phone, and the
+// few services that a part above provides to UIKit. Main thread unless a member says otherwise.
+#pragma once
+
+#include "phone/kernel/boot_options.hpp"
+#include "phone/kernel/clock.hpp"
+#include "phone/kernel/trace.hpp"
+
+#include <functional>
+#include <string>
+
+namespace phone {
+
+inline Clock& clock() { return deviceClock(); }
+inline Trace& trace() { return deviceTrace(); }
+
+// Written by boot, before any class is defined; read everywhere.
+inline BootOptions& bootOptions()
+{
+    static BootOptions options;
+    return options;
+}
+
+// Points, as UIScreen's bounds have it: turned with the orientation (interface orientation codes 1 to 4).
+struct ScreenState {
+    int orientation { 1 };
+};
+inline ScreenState& screenState()
+{
+    static ScreenState state;
+    return state;
+}
+
+}

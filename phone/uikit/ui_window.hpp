@@ -1,0 +1,50 @@
+// UIWindow: the root of a view tree on the screen. Main thread.
+#pragma once
+
+#include "phone/uikit/ui_view.hpp"
+
+// UIWindowLevel, as UIKit exports it.
+extern "C" {
+extern double const UIWindowLevelNormal;
+extern double const UIWindowLevelAlert;
+extern double const UIWindowLevelStatusBar;
+}
+
+namespace phone {
+
+struct UIWindow : objc::subclass<UIWindow, "UIWindow", UIView> {
+    using subclass::subclass;
+    UIWindow initWithFrame(CGRect frame) const;   // hidden until it is shown
+    static UIWindow keyWindow();                  // nil for none
+
+    CGFloat windowLevel() const;
+    void setWindowLevel(CGFloat level) const;
+    UIViewController rootViewController() const;
+    void setRootViewController(UIViewController controller) const;   // its view fills the window
+    void makeKeyAndVisible() const;
+    void makeKeyWindow() const;
+    void resignKeyWindow() const;
+    BOOL isKeyWindow() const;
+    void setHidden(BOOL hidden) const;
+    BOOL isSecure() const;
+    void setSecure(BOOL secure) const;   // _setSecure:
+    BOOL autorotates() const;
+    void setAutorotates(BOOL autorotates) const;
+    UIResponder nextResponder() const;   // the application
+
+    // A number for each window, in the order in which they were made, from 1; the trace's `window`.
+    int number() const;
+};
+
+// All windows, back to front: by level, then by the time at which they were last shown.
+std::vector<UIWindow> allWindows();
+// Makes the window key; nil: none is.
+void setKeyWindow(UIWindow window);
+
+// Lays out what needs it in every window. Runs by itself at the end of the turn in which something changed;
+// whoever draws calls it first.
+void layoutWindowsIfNeeded();
+
+void defineUIWindow();
+
+}
