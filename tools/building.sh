@@ -101,6 +101,16 @@ needTool()
     command -v "$1" > /dev/null || die "$1 is not found in PATH, though Debian's package $2 is installed"
 }
 
+# The path of ccache, or nothing: it saves time where it is there and has a place to keep what it saves.
+usableCcache()
+{
+    local place
+    command -v ccache > /dev/null && place=$(ccache --get-config cache_dir 2> /dev/null) || return 0
+    if mkdir -p -- "$place/tmp" 2> /dev/null && [[ -w $place && -w $place/tmp ]]; then
+        command -v ccache
+    fi
+}
+
 # Configures build/NAME from the preset of that name, if that was not done yet in the same way.
 # Further arguments: features (window) to switch on as CORVEL_WINDOW; features once on stay on.
 configure()
@@ -113,7 +123,7 @@ configure()
     needTool g++ g++
 
     local feature launcher place="" basis="" features="" wanted options=()
-    launcher=$(command -v ccache) || launcher=""
+    launcher=$(usableCcache)
     wanted=$( (
         printf '%s\n' "$launcher"
         g++ -dumpfullversion

@@ -68,14 +68,16 @@ lintClangTidy()
     configure lint window bench
     unlockBuild
     startLog lint-clang-tidy
-    local file patterns=()
+    local file line patterns=()
     for file in "${given[@]+"${files[@]}"}"; do
         [[ $file != *.cpp ]] || patterns+=("/${file//[^[:alnum:]\/_]/.}\$")
     done
     ((${#given[@]} == 0 || ${#patterns[@]})) || return 0
     run-clang-tidy -quiet -p "$root/build/lint" -j "$jobs" "${patterns[@]}" < /dev/null 2>&1 | follow lint && return 0
-    # A finding in a header comes back with each file that includes it.
-    grep -E '(warning|error): ' "$g_log" | sed "s|^$root/||" | LC_ALL=C sort -u | head -n 200
+    # A finding in a header comes back with each file that includes it; colours come on a pipe too.
+    sed 's/\x1b\[[0-9;]*m//g' "$g_log" | grep -E '(warning|error): ' | while IFS= read -r line; do
+        printf '%s\n' "${line#"$root"/}"
+    done | LC_ALL=C sort -u | head -n 200
     say "clang-tidy's output is in $g_log"
     return 1
 }

@@ -22,7 +22,7 @@ missingPackages()
 {
     local native name architecture status
     local -A installed=()
-    native=$(dpkg --print-architecture)
+    native=$(dpkg --print-architecture 2> /dev/null)
     while IFS='|' read -r name architecture status; do
         [[ $status == installed && ($architecture == "$native" || $architecture == all) ]] && installed[$name]=1
     done < <(dpkg-query --show --showformat '${Package}|${Architecture}|${db:Status-Status}\n' "$@" 2> /dev/null)

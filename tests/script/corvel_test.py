@@ -267,6 +267,14 @@ class Building(ScriptTest):
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(len(self.called(result, "cmake")), 2)
 
+    def test_ccache_is_used_only_where_it_can_keep_something(self):
+        self.stage.stand_in("ccache", 'echo "$STAGE/cache"')
+        ccache = f"-DCMAKE_CXX_COMPILER_LAUNCHER={self.stage.tools}/ccache "
+        self.assertIn(ccache, self.called(self.stage.run("demo"), "cmake")[0] + " ")
+        shutil.rmtree(self.stage.top / "cache")
+        self.stage.write("cache", "a file in its place")
+        self.assertNotIn("/ccache", self.called(self.stage.run("demo"), "cmake")[0])
+
     def test_a_failed_configuration_shows_its_error(self):
         self.stage.write("cmake.fails", "-- fine so far\nCMake Error at CMakeLists.txt:3:\n  no such library\n")
         result = self.stage.run("test")
