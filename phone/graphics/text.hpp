@@ -32,6 +32,7 @@ struct TextStyle {
 };
 
 // One laid-out text. Copies share it. Invalid UTF-8 shows U+FFFD in place of the bad bytes.
+// Text beyond 16384 bytes is left out.
 class TextLayout {
 public:
     // No limit on width or height.
@@ -72,7 +73,7 @@ void drawText(cairo_t*, std::string_view utf8, TextStyle const&, Rect const& rec
 // The first user-perceived character (an emoji family is one); empty for empty text.
 std::string firstCharacter(std::string_view utf8);
 
-// Bad bytes replaced by U+FFFD, and everything from a NUL on kept.
+// Bad bytes, and NUL, replaced by U+FFFD.
 std::string validUtf8(std::string_view);
 
 }   // namespace phone::graphics
