@@ -24,6 +24,8 @@ using BOOL = bool;
 using NSInteger = long;
 using NSUInteger = unsigned long;
 
+inline constexpr std::uintptr_t OBJC_ASSOCIATION_RETAIN_NONATOMIC = 1;
+
 namespace objc {
 
 // What a runtime function that answers BOOL leaves in the register: only the low byte is defined
@@ -53,6 +55,9 @@ Ivar class_getInstanceVariable(Class cls, char const* name);
 Method class_getInstanceMethod(Class cls, SEL selector);
 IMP class_getMethodImplementation(Class cls, SEL selector);
 std::ptrdiff_t ivar_getOffset(Ivar ivar);
+
+// An object that another one keeps as long as it lives, under a key that is an address.
+void objc_setAssociatedObject(id object, void const* key, id value, std::uintptr_t policy);
 
 // Blocks: the published ABI, the same symbols in libBlocksRuntime and in Apple's libSystem.
 extern void* _NSConcreteStackBlock[32];

@@ -33,6 +33,12 @@ V& ivar(T self)
     return *reinterpret_cast<V*>(reinterpret_cast<char*>(self.object) + offset);
 }
 
+// Whether the object's class has an instance variable of that name.
+inline bool has_ivar(handle object, char const* name)
+{
+    return object && class_getInstanceVariable(boundary::class_of(object.object), name);
+}
+
 // An object in an instance variable, read by name from an object of any class. None where the class has no
 // such variable.
 inline handle object_ivar(handle object, char const* name)

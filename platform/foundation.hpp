@@ -9,6 +9,14 @@
 
 struct NSString;
 
+struct NSRange {
+    NSUInteger location, length;
+};
+template <>
+struct objc::encoding<NSRange> {
+    static constexpr fixed_string value { "{_NSRange=QQ}" };
+};
+
 struct NSObject : objc::subclass<NSObject, "NSObject", objc::handle> {
     using subclass::subclass;
     template <class Self = NSObject>
@@ -31,7 +39,17 @@ struct NSString : objc::subclass<NSString, "NSString", NSObject> {
         return cls().send<"stringWithUTF8String:", NSString>(text);
     }
 
+    // Copies; UTF-16 code units.
+    static NSString stringWithCharacters(char16_t const* units, NSUInteger count)
+    {
+        return cls().send<"stringWithCharacters:length:", NSString>(units, count);
+    }
+
     NSUInteger length() const { return send<"length", NSUInteger>(); }   // UTF-16 code units
+    char16_t characterAtIndex(NSUInteger index) const
+    {
+        return send<"characterAtIndex:", char16_t>(index);
+    }   // raises past the end
     char const* UTF8String() const
     {
         return send<"UTF8String", char const*>();
@@ -47,6 +65,10 @@ struct NSString : objc::subclass<NSString, "NSString", NSObject> {
     NSString stringByReplacingOccurrencesOfString(NSString target, NSString replacement) const
     {
         return send<"stringByReplacingOccurrencesOfString:withString:", NSString>(target, replacement);
+    }
+    NSRange rangeOfComposedCharacterSequenceAtIndex(NSUInteger index) const
+    {
+        return send<"rangeOfComposedCharacterSequenceAtIndex:", NSRange>(index);
     }
     NSString substringToIndex(NSUInteger end) const { return send<"substringToIndex:", NSString>(end); }
 
@@ -77,6 +99,18 @@ NSString operator""_ns()
     return constant;
 }
 
+struct NSCharacterSet : objc::subclass<NSCharacterSet, "NSCharacterSet", NSObject> {
+    using subclass::subclass;
+    static NSCharacterSet nonBaseCharacterSet()
+    {
+        return cls().send<"nonBaseCharacterSet", NSCharacterSet>();
+    }   // marks
+    BOOL longCharacterIsMember(char32_t codePoint) const
+    {
+        return send<"longCharacterIsMember:", BOOL>(codePoint);
+    }
+};
+
 struct NSNumber : objc::subclass<NSNumber, "NSNumber", NSObject> {
     using subclass::subclass;
     static NSNumber numberWithBool(BOOL value) { return cls().send<"numberWithBool:", NSNumber>(value); }
@@ -90,6 +124,8 @@ struct NSData : objc::subclass<NSData, "NSData", NSObject> {
     NSUInteger length() const { return send<"length", NSUInteger>(); }   // bytes
 };
 
+struct NSPredicate;
+
 struct NSArray : objc::subclass<NSArray, "NSArray", NSObject> {
     using subclass::subclass;
     NSUInteger count() const { return send<"count", NSUInteger>(); }
@@ -99,6 +135,7 @@ struct NSArray : objc::subclass<NSArray, "NSArray", NSObject> {
     }   // raises past the end
     objc::handle firstObject() const { return send<"firstObject", objc::handle>(); }
     BOOL containsObject(objc::handle object) const { return send<"containsObject:", BOOL>(object); }
+    NSArray filteredArrayUsingPredicate(NSPredicate predicate) const;
 };
 
 struct NSMutableArray : objc::subclass<NSMutableArray, "NSMutableArray", NSArray> {
@@ -110,6 +147,15 @@ struct NSMutableArray : objc::subclass<NSMutableArray, "NSMutableArray", NSArray
     }                                                                           // nil: empty
     void addObject(objc::handle object) const { send<"addObject:">(object); }   // raises on nil
     void removeObject(objc::handle object) const { send<"removeObject:">(object); }
+};
+
+struct NSSet : objc::subclass<NSSet, "NSSet", NSObject> {
+    using subclass::subclass;
+    static NSSet setWithObject(objc::handle object) { return cls().send<"setWithObject:", NSSet>(object); }
+    static NSSet setWithArray(NSArray members) { return cls().send<"setWithArray:", NSSet>(members); }
+    NSUInteger count() const { return send<"count", NSUInteger>(); }
+    objc::handle anyObject() const { return send<"anyObject", objc::handle>(); }
+    NSArray allObjects() const { return send<"allObjects", NSArray>(); }
 };
 
 struct NSDictionary : objc::subclass<NSDictionary, "NSDictionary", NSObject> {
@@ -198,6 +244,39 @@ struct NSNotificationCenter : objc::subclass<NSNotificationCenter, "NSNotificati
     {
         send<"postNotificationName:object:userInfo:">(name, object, userInfo);
     }
+};
+
+struct NSPredicate : objc::subclass<NSPredicate, "NSPredicate", NSObject> {
+    using subclass::subclass;
+    // A format without arguments. The method takes variable arguments, none of which is given.
+    static NSPredicate predicateWithFormat(NSString format)
+    {
+        return cls().send<"predicateWithFormat:", NSPredicate>(format);
+    }
+};
+inline NSArray NSArray::filteredArrayUsingPredicate(NSPredicate predicate) const
+{
+    return send<"filteredArrayUsingPredicate:", NSArray>(predicate);
+}
+
+struct NSURL : objc::subclass<NSURL, "NSURL", NSObject> {
+    using subclass::subclass;
+    static NSURL URLWithString(NSString text)
+    {
+        return cls().send<"URLWithString:", NSURL>(text);
+    }   // nil: no URL
+};
+
+struct NSProcessInfo : objc::subclass<NSProcessInfo, "NSProcessInfo", NSObject> {
+    using subclass::subclass;
+    static NSProcessInfo processInfo() { return cls().send<"processInfo", NSProcessInfo>(); }
+    int processIdentifier() const { return send<"processIdentifier", int>(); }
+};
+
+struct NSBundle : objc::subclass<NSBundle, "NSBundle", NSObject> {
+    using subclass::subclass;
+    static NSBundle mainBundle() { return cls().send<"mainBundle", NSBundle>(); }
+    NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(); }
 };
 
 struct NSTimer : objc::subclass<NSTimer, "NSTimer", NSObject> {
