@@ -3,7 +3,7 @@
 
 namespace phone {
 
-// Weak references, NSTimer and NSDate on the phone's clock, locale and time zone from the boot options,
+// NSTimer and NSDate on the phone's clock, locale and time zone from the boot options,
 // property-list files through the device root, index paths, tracing of notification centres. Once a process.
 void defineFoundation();
 

@@ -1,55 +1,35 @@
-// Zeroing weak references, which neither GNU libobjc nor this GNUstep has: delegates, targets, superviews.
-// Main thread, but for objects that go on another thread meanwhile.
+// Weak: a reference that doesn't keep its object alive and reads as nil once the object is gone, as a
+// delegate, a data source, a recogniser's target or a superview is held. Any object whose class descends
+// from NSObject; any thread may release it, but reading belongs to the main thread.
 #pragma once
 
-#include "objc/ref.hpp"
+#include "objc/handle.hpp"
+
+#include <memory>
 
 namespace phone {
 
-// Called once by defineFoundation(): from then on an object that goes clears the references to it.
-void installWeakReferences();
+// The cell shared by all weak references to one object; null for nil. It is emptied when the object's
+// -dealloc reaches NSObject. GNU libobjc has no weak references of its own, so the first call puts our
+// function in front of -[NSObject dealloc].
+std::shared_ptr<id> weakCell(id object);
 
-class WeakReference {
-public:
-    WeakReference() = default;
-    explicit WeakReference(objc::handle object) { set(object); }
-    WeakReference(WeakReference const& other) { set(other.get()); }
-    WeakReference& operator=(WeakReference const& other)
-    {
-        set(other.get());
-        return *this;
-    }
-    ~WeakReference() { set({}); }
-
-    // Lent; nil once the object has gone.
-    objc::handle get() const;
-    void set(objc::handle object);
-
-private:
-    friend class WeakTable;
-    id m_object = nullptr;
-};
-
-// The same with the object's class.
 template <class T>
 class Weak {
 public:
     Weak() = default;
     Weak(T object)
-        : m_reference(object)
+        : m_cell(weakCell(object.object))
     {
     }
-    T get() const { return T { m_reference.get().object }; }
+
+    T get() const { return T { m_cell ? *m_cell : nullptr }; }
     operator T() const { return get(); }
-    Weak& operator=(T object)
-    {
-        m_reference.set(object);
-        return *this;
-    }
-    explicit operator bool() const { return bool(m_reference.get()); }
+    explicit operator bool() const { return bool(get()); }
+    friend bool operator==(Weak const& a, Weak const& b) { return a.get() == b.get(); }
 
 private:
-    WeakReference m_reference;
+    std::shared_ptr<id> m_cell;
 };
 
 }
