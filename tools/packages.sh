@@ -62,7 +62,7 @@ needPackages()
     administrator+=(env DEBIAN_FRONTEND=noninteractive NEEDRESTART_MODE=a)
 
     startLog packages
-    say "installing ${#missing[@]} Debian packages and what they depend on"
+    say "installing the Debian packages that are missing (${#missing[@]}) and what they depend on"
     printf 'missing: %s\n' "${missing[*]}" >> "$g_log"
     # Indexes that know every name are used as they are; if they turn out to be too old, they are
     # fetched and the packages asked for once more.

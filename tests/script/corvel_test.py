@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """What the script `corvel` does with its words and options, with packages, builds and their failures."""
 
+import fcntl
 import pathlib
 import shutil
 import sys
@@ -152,6 +153,19 @@ class Packages(ScriptTest):
                 file.write(f"{state}\n")
             result = self.stage.run("demo")
             self.assertTrue(self.called(result, "apt-get")[0].endswith(" cmake"), result.calls)
+
+    def test_a_package_for_every_architecture_counts(self):
+        self.missing("fonts-inter")
+        with open(self.stage.top / "installed", "a", encoding="utf-8") as file:
+            file.write("fonts-inter:all\n")
+        self.assertEqual(self.called(self.stage.run("demo"), "apt-get"), [])
+
+    def test_indexes_are_fetched_once_at_most(self):
+        self.missing("cmake")
+        self.stage.write("known", "")
+        self.stage.write("apt.fails", "E: Failed to fetch http://mirror/cmake.deb  404  Not Found\n")
+        calls = self.called(self.stage.run("demo"), "apt-get")
+        self.assertEqual([call.split()[1] for call in calls], ["update", "install"])
 
     def test_a_job_installs_its_own_packages_only(self):
         self.missing("libbenchmark-dev", "libsdl2-dev", "cppcheck")
@@ -319,6 +333,18 @@ class Building(ScriptTest):
         self.assertEqual(self.called(result, "cmake"), [])
 
 
+    def test_a_build_waits_for_another_in_the_same_folder(self):
+        (self.stage.folder / "build").mkdir()
+        with open(self.stage.folder / "build" / "release.lock", "w", encoding="utf-8") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            second = self.enterContext(self.stage.start("demo"))
+            self.assertIn("waiting for another ./corvel", second.stderr.readline())
+            self.assertNotIn("\nninja ", (self.stage.top / "calls").read_text())
+        _, errors = second.communicate(timeout=60)
+        self.assertEqual(second.returncode, 0, errors)
+        self.assertIn("\nninja ", (self.stage.top / "calls").read_text())
+
+
 class Running(ScriptTest):
     def test_the_phone_gets_its_options_in_the_callers_folder(self):
         result = self.stage.run("phone", "--shot", "a picture.png", "--no-install", "--system=12.4", cwd=self.stage.top)
@@ -382,6 +408,17 @@ class Tests(ScriptTest):
         self.stage.write("ctest.prints", "No tests were found!!!\n")
         self.stage.write("ctest.fails", "")
         self.fails(self.stage.run("test"), "No tests were found")
+
+    def test_an_empty_build_is_no_success(self):
+        self.assertIn("--no-tests=error", self.called(self.stage.run("test"), "ctest")[0])
+
+    def test_a_failure_counts_whatever_the_program_returned(self):
+        self.stage.write("ctest.prints", (
+            "1: [==========] Running 1 test from 1 test suite.\n1: [ RUN      ] Clock.Ticks\n"
+            "1: [  FAILED  ] Clock.Ticks (0 ms)\n1/1 Test #1: a ....   Passed    0.01 sec\n"
+        ))
+        result = self.stage.run("test")
+        self.assertEqual((result.returncode, result.stdout), (1, "0 passed, 1 failed\n"))
 
     def test_failures_are_shown_and_counted(self):
         self.stage.write("ctest.fails", "")

@@ -21,12 +21,14 @@ REAL_TOOLS = (
 # Each sees $STAGE, the stage's folder.
 STAND_INS = {
     "dpkg": 'echo amd64',
-    # Asked for names; `installed` has one name a line, with `name:i386` for one of a foreign architecture.
+    # Asked for names; `installed` has one name a line: `name`, or `name:all`, `name:i386` for what fits any or
+    # another architecture, or `name:removed` for one whose settings alone were left.
     "dpkg-query": r'''
 declare -A installed
 while read -r name; do installed[$name]=1; done < "$STAGE/installed"
 for name in "$@"; do
     [[ -z ${installed[$name]-} ]] || echo "$name|amd64|installed"
+    [[ -z ${installed[$name:all]-} ]] || echo "$name|all|installed"
     [[ -z ${installed[$name:i386]-} ]] || echo "$name|i386|installed"
     [[ -z ${installed[$name:removed]-} ]] || echo "$name|amd64|config-files"
 done
@@ -133,15 +135,25 @@ class Stage:
                     names.append(line)
         return names
 
-    def run(self, *arguments, cwd=None, command=None, **environment):
-        """Runs the script; the result has returncode, stdout, stderr, and `calls`, the stand-ins' calls."""
+    def start(self, *arguments, cwd=None, command=None, **environment):
+        """Starts the script; gives its process, with pipes for both outputs."""
         self.write("calls", "")
         self.own()
         user = {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
-        result = subprocess.run(
-            [command or str(self.folder / "corvel"), *arguments],
-            cwd=cwd or self.folder, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
+        return subprocess.Popen(
+            [command or str(self.folder / "corvel"), *arguments], cwd=cwd or self.folder, text=True,
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
             env={"PATH": str(self.tools), "STAGE": str(self.top), "HOME": str(self.top), **environment}, **user,
         )
+
+    def run(self, *arguments, **how):
+        """Runs the script; the result has returncode, stdout, stderr, and `calls`, the stand-ins' calls."""
+        with self.start(*arguments, **how) as process:
+            try:
+                output, errors = process.communicate(timeout=60)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                raise
+        result = subprocess.CompletedProcess(process.args, process.returncode, output, errors)
         result.calls = (self.top / "calls").read_text().splitlines()
         return result
