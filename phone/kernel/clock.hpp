@@ -6,6 +6,7 @@
 #include "phone/kernel/result.hpp"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -48,7 +49,7 @@ public:
     std::string const& timezone() const { return m_start.timezone; }
 
     // Calls `fire` once at now + delay, or, with repeat > 0, again every `repeat` seconds after that.
-    // Timers due at the same moment fire in the order in which they were set. A negative delay, or one that
+    // Timers due at the same moment fire in the order in which they were set, each on a turn after the one that set it. A negative delay, or one that
     // is no number, counts as 0 (the next turn); an infinite one never comes. A repeat below 0.1 ms counts
     // as 0.1 ms, as in Foundation. The clock keeps `fire` until the timer is done or cancelled.
     TimerId at(double delay, double repeat, std::function<void()> fire);
@@ -105,11 +106,12 @@ private:
     double m_lastFrame { -1 };       // `now` of the last frame drawn
     bool m_isAdvancing { false };
     bool m_isOverloaded { false };   // work left over for the next frame
+    std::uint64_t m_nextId { 1 };    // of timers and observers alike
     std::map<TimerKey, Timer> m_timers;
     std::map<std::uint64_t, double> m_dueById;
     std::vector<std::pair<std::uint64_t, std::function<bool(double)>>> m_frameObservers;
     mutable std::mutex m_postedMutex;   // guards m_posted alone
-    std::vector<std::function<void()>> m_posted;
+    std::deque<std::function<void()>> m_posted;
 };
 
 // The clock of this process's phone. Boot starts it; everything reads it.

@@ -3,10 +3,12 @@
 // also from others as long as no fault is set meanwhile.
 #pragma once
 
+#include "phone/kernel/file.hpp"
 #include "phone/kernel/result.hpp"
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,58 +28,6 @@ enum class FileFault {
 
 // The name used in scripts: `absent`, `directory`, … None for another text.
 std::optional<FileFault> fileFaultNamed(std::string_view name);
-
-enum class FileErrorKind {
-    outside,    // the path leaves the device root, or is not absolute
-    notFound,   // no such file, or no such folder to write into
-    notAFile,   // a folder, pipe, socket or device
-    refused,    // permission
-    full,       // no space left
-    other,
-};
-
-struct FileError : Error {
-    FileErrorKind kind { FileErrorKind::other };
-};
-
-// Result<T> with the kind of failure beside its message.
-template <class T>
-class [[nodiscard]] FileResult : public Result<T> {
-public:
-    FileResult(T value)
-        : Result<T>(std::move(value))
-    {
-    }
-    FileResult(FileError error)
-        : Result<T>(Error { std::move(error.message) })
-        , m_kind(error.kind)
-    {
-    }
-    // Valid only without a value.
-    FileErrorKind kind() const { return m_kind; }
-    FileError fileError() const { return { { this->message() }, m_kind }; }
-
-private:
-    FileErrorKind m_kind { FileErrorKind::other };
-};
-
-template <>
-class FileResult<void> : public Result<void> {
-public:
-    FileResult() = default;
-    FileResult(FileError error)
-        : Result<void>(Error { std::move(error.message) })
-        , m_kind(error.kind)
-    {
-    }
-    FileErrorKind kind() const { return m_kind; }
-    FileError fileError() const { return { { message() }, m_kind }; }
-
-private:
-    FileErrorKind m_kind { FileErrorKind::other };
-};
-
-using FileStatus = FileResult<void>;
 
 // How a file is written.
 struct WriteOptions {

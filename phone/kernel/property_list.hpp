@@ -164,9 +164,9 @@ Result<PropertyListFile> readPropertyList(Bytes const&);
 Result<PropertyListFile> readPropertyList(std::string_view);
 
 // As the platform writes XML: header with document type, tabs, keys in sorted order, data in lines of at
-// most 76 columns. A tree that is nested deeper than the limit above is an error.
+// most 76 columns. A tree that is nested deeper than the limit above, or a text with a zero byte, is an error.
 Result<std::string> writePropertyListXml(PropertyList const&);
-// bplist00, by libplist. Keys sorted likewise.
+// bplist00, by libplist. Keys sorted likewise. An error too when the root is neither array nor dictionary.
 Result<Bytes> writePropertyListBinary(PropertyList const&);
 
 }

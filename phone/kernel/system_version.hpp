@@ -25,9 +25,8 @@ struct SystemVersion {
     friend auto operator<=>(SystemVersion const&, SystemVersion const&) = default;
 };
 
-// kCFCoreFoundationVersionNumber of that system: the value known for it, or the one of the nearest known
-// system below it within the same major version. Below the first known: that one's; above the last: that
-// one's.
+// kCFCoreFoundationVersionNumber of that system: the value known for it, or that of the nearest known system
+// before it (of the first known one, when it is older than all).
 double coreFoundationNumber(SystemVersion);
 
 // Names of SpringBoard's lock-screen classes: `SBDashBoard…` or `CS…`.

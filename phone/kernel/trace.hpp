@@ -38,10 +38,8 @@ public:
 
     // The events with `n` >= since, oldest first, as an array.
     Json events(std::size_t since = 0) const;
+    // How many there are: also the `n` that the next event gets.
     std::size_t count() const;
-
-    // The `n` that the next event gets.
-    std::size_t next() const;
 
     // Drops every event; `n` starts at 0 again. The phone's boot calls it; a respring does not, so that
     // `n` counts on.
