@@ -153,9 +153,9 @@ public:
             return *this;
         constexpr auto log2Alignment = static_cast<std::uint8_t>(std::countr_zero(alignof(V)));
         class_addIvar(m_class, Name.c_str(), sizeof(V), log2Alignment, encoding<V>::value.c_str());
-        if (kind != assign) {
-            static_assert(is_handle<V> || !std::is_class_v<V>);
-            cleanups().push_back([](T self) { release_ivar<Name>(self); });
+        if constexpr (std::is_base_of_v<handle, V>) {
+            if (kind != assign)
+                cleanups().push_back([](T self) { release_ivar<Name>(self); });
         }
         return *this;
     }
