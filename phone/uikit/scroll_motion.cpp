@@ -20,6 +20,7 @@ constexpr double kPageFlickVelocity = 200;
 constexpr double kEndStiffness = 130;
 constexpr double kPageStiffness = 220;
 constexpr double kRestTolerance = 0.1;     // points
+constexpr double kEasingSeconds = 0.3;     // as setContentOffset:animated: takes
 constexpr double kShortestMotion = 1e-3;   // seconds; so that what is a hair outside is brought back
 
 graphics::Spring criticalSpring(double stiffness) { return { 1, stiffness, 2 * std::sqrt(stiffness) }; }
@@ -124,10 +125,21 @@ ScrollMotion ScrollMotion::settling(double offset, double velocity, double targe
     return motion;
 }
 
+ScrollMotion ScrollMotion::easing(double offset, double target)
+{
+    ScrollMotion motion(offset);
+    motion.m_rest = target;
+    motion.m_isEasing = true;
+    motion.m_duration = offset == target ? 0 : kEasingSeconds;
+    return motion;
+}
+
 double ScrollMotion::at(double seconds) const
 {
     if (seconds >= m_duration)
         return m_rest;
+    if (m_isEasing)
+        return m_start + (m_rest - m_start) * graphics::kEaseInOut.at(seconds / m_duration);
     if (seconds < m_coastSeconds)
         return m_start + graphics::decelerationOffset(m_velocity, seconds, m_rate);
     return m_rest

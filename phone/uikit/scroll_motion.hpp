@@ -38,6 +38,9 @@ public:
     // Goes to `target` and rests there, without passing it (a page, an end).
     static ScrollMotion settling(double offset, double velocity, double target);
 
+    // Asked for by code: eases in and out over a fixed time.
+    static ScrollMotion easing(double offset, double target);
+
     double at(double seconds) const;
     double duration() const { return m_duration; }   // seconds until it rests
     double rest() const { return m_rest; }           // the offset where it ends
@@ -53,6 +56,7 @@ private:
     double m_stiffness { 0 };
     double m_duration { 0 };
     double m_rest { 0 };
+    bool m_isEasing { false };
 };
 
 }
