@@ -296,15 +296,16 @@ void TouchDelivery::cancelInView(UITouch touch)
     }
 }
 
-void TouchDelivery::wheel(CGPoint point, double dx, double dy)
+bool TouchDelivery::wheel(CGPoint point, double dx, double dy)
 {
     AutoreleasePool const pool;
     layoutWindowsIfNeeded();
     for (UIView view = hitTest(point); view; view = view.superview()) {
         UIScrollView const scrollView = objc::cast<UIScrollView>(view);
         if (scrollView && scrollView.scrollByWheel(dx, dy))
-            return;
+            return true;
     }
+    return false;
 }
 
 }

@@ -24,7 +24,8 @@ public:
 
     // A mouse wheel over the point. Points of content, positive to see what lies right or below; a view
     // that scrolls along one axis only follows whichever is turned.
-    void wheel(CGPoint point, double dx, double dy);
+    // Answers whether something scrolled.
+    bool wheel(CGPoint point, double dx, double dy);
 
     // The view that a finger there would touch; nil when no window takes it. Windows from the front to the
     // back; each decides by hitTest:withEvent:.
