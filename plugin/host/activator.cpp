@@ -66,10 +66,7 @@ void activatorLS(AdjunctListViewController self, SEL)
     } else {
         frame.size.height += strip.frame().size.height;
         stack.setFrame(frame);
-        if (settings().isAlwaysOnTop)
-            stack.insertArrangedSubview(strip, 0);
-        else
-            stack.addArrangedSubview(strip);
+        placeStripInStack(stack);
     }
     strip.setHidden(hides);
     setHideLSView(hides);

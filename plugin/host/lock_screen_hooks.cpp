@@ -79,6 +79,14 @@ void createStrip(AdjunctListViewController controller)
     center.addObserver(controller, objc::selector<"activatorLS">(), kActivatorLS(), nullptr);
 }
 
+// The strip's own, so it outlives the strip's moves from stack to stack: made once.
+NSLayoutConstraint heightConstraint(CVLView strip)
+{
+    static NSLayoutConstraint const height =
+        objc::leak(objc::retain(strip.heightAnchor().constraintEqualToConstant(kStripHeight)));
+    return height;
+}
+
 NSArray stripConstraints(CVLView strip, UIStackView stack)
 {
     NSMutableArray const constraints = NSMutableArray::array();
@@ -88,7 +96,7 @@ NSArray stripConstraints(CVLView strip, UIStackView stack)
     constraints.addObject(strip.centerXAnchor().constraintEqualTo(stack.centerXAnchor()));
     constraints.addObject(strip.leadingAnchor().constraintEqualTo(stack.leadingAnchor(), inset));
     constraints.addObject(strip.trailingAnchor().constraintEqualTo(stack.trailingAnchor(), -inset));
-    constraints.addObject(strip.heightAnchor().constraintEqualToConstant(kStripHeight));
+    constraints.addObject(heightConstraint(strip));
     return constraints;
 }
 
@@ -113,6 +121,17 @@ UIStackView stackViewOf(AdjunctListViewController controller)
     return objc::cast<UIStackView>(controller.valueForKey("_stackView"_ns));
 }
 
+void placeStripInStack(UIStackView stack)
+{
+    CVLView const strip = hostState().cvloView;
+    NSArray const constraints = stripConstraints(strip, stack);
+    if (settings().isAlwaysOnTop)
+        stack.insertArrangedSubview(strip, 0);
+    else
+        stack.addArrangedSubview(strip);
+    NSLayoutConstraint::activateConstraints(constraints);
+}
+
 void ViewDidLoad::replacement(AdjunctListViewController self, SEL cmd)
 {
     original(self, cmd);   // first: it makes the stack that the strip goes into
@@ -123,14 +142,8 @@ void ViewDidLoad::replacement(AdjunctListViewController self, SEL cmd)
     if (!hostState().cvloView)
         createStrip(self);
 
-    CVLView const strip = hostState().cvloView;
-    strip.setTranslatesAutoresizingMaskIntoConstraints(false);
-    NSArray const constraints = stripConstraints(strip, stack);
-    if (settings().isAlwaysOnTop)
-        stack.insertArrangedSubview(strip, 0);
-    else
-        stack.addArrangedSubview(strip);
-    NSLayoutConstraint::activateConstraints(constraints);
+    hostState().cvloView->setTranslatesAutoresizingMaskIntoConstraints(false);
+    placeStripInStack(stack);
 }
 
 Answer UpdatePresentingContent::replacement(AdjunctListViewController self, SEL cmd)

@@ -47,3 +47,7 @@ void initFirstPreferences(AdjunctListViewController self, SEL cmd);
 
 // The list's stack of arranged items, under the key "_stackView"; nil where the controller has none.
 UIStackView stackViewOf(AdjunctListViewController controller);
+
+// Puts the lock screen's strip into the stack, first or last as the settings say, and pins it there: what pinned it before went
+// when it left its stack. Nil: nothing happens.
+void placeStripInStack(UIStackView stack);
