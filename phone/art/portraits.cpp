@@ -2,7 +2,6 @@
 #include "phone/graphics/path.hpp"
 
 #include <iterator>
-#include <numbers>
 
 namespace phone::art {
 
@@ -10,7 +9,6 @@ using namespace graphics;
 
 namespace {
 
-constexpr double kPi = std::numbers::pi;
 constexpr double kGrid = 200;   // all shapes below are on a square of this side
 constexpr double kMiddle = 100;
 
@@ -70,7 +68,6 @@ void paintShoulders(cairo_t* context, Portrait const& portrait)
     cairo_curve_to(context, 152, 158, 176, 172, 178, 206);
     cairo_close_path(context);
     fill(context, clothes);
-    // A soft edge of light on the shoulders' upper side.
     if (portrait.collar == Collar::hood) {
         cairo_move_to(context, 62, 160);
         cairo_curve_to(context, 66, 142, 134, 142, 138, 160);

@@ -58,19 +58,26 @@ Planes makePlanes(int width, int height)
 Planes downsampled(Bitmap const& bitmap, int left, int top, int width, int height, int factor)
 {
     Planes planes = makePlanes((width + factor - 1) / factor, (height + factor - 1) / factor);
+    std::uint32_t const* const pixels = bitmap.row(top) + left;
+    std::ptrdiff_t const stride = bitmap.stride() / 4;
     for (int y = 0; y < planes.height; ++y) {
         int const rowEnd = std::min((y + 1) * factor, height);
         for (int x = 0; x < planes.width; ++x) {
             int const columnEnd = std::min((x + 1) * factor, width);
-            std::uint32_t sums[4] {};
-            std::uint32_t count = 0;
+            // Two channels in each sum: 64 pixels of 255 stay within 16 bits.
+            std::uint32_t blueRed = 0;
+            std::uint32_t greenAlpha = 0;
             for (int v = y * factor; v < rowEnd; ++v) {
-                std::uint32_t const* const line = bitmap.row(top + v) + left;
-                for (int u = x * factor; u < columnEnd; ++u, ++count) {
-                    for (int c = 0; c < 4; ++c)
-                        sums[c] += (line[u] >> (8 * c)) & 0xff;
+                std::uint32_t const* const line = pixels + std::ptrdiff_t { v } * stride;
+                for (int u = x * factor; u < columnEnd; ++u) {
+                    blueRed += line[u] & 0x00ff00ffu;
+                    greenAlpha += (line[u] >> 8) & 0x00ff00ffu;
                 }
             }
+            std::uint32_t const count =
+                static_cast<std::uint32_t>((rowEnd - y * factor) * (columnEnd - x * factor));
+            std::uint32_t const sums[4] = { blueRed & 0xffff, greenAlpha & 0xffff, blueRed >> 16,
+                greenAlpha >> 16 };
             std::uint16_t* const out = planes.pixel(x, y);
             for (int c = 0; c < 4; ++c)
                 out[c] = static_cast<std::uint16_t>((sums[c] * 256 + count / 2) / count);
@@ -233,6 +240,7 @@ Backdrop takeBackdrop(cairo_t* context, BlurStyle const& style)
     Planes planes = downsampled(target.bitmap, left, top, width, height, factor);
     blurPlanes(planes, sigma / factor);
     backdrop.bitmap = finished(planes, style.saturation, style.tint);
+    backdrop.isOpaque = backdrop.bitmap.isOpaque();
     backdrop.deviceX = left - target.offsetX;
     backdrop.deviceY = top - target.offsetY;
     return backdrop;
@@ -244,8 +252,8 @@ void paintBackdrop(cairo_t* context, Backdrop const& backdrop, double alpha)
         cairo_new_path(context);
         return;
     }
+    // The path stands in device space already, so that the matrix may change under it.
     cairo_save(context);
-    cairo_clip(context);
     cairo_identity_matrix(context);
     cairo_translate(context, backdrop.deviceX, backdrop.deviceY);
     cairo_scale(context, backdrop.factor, backdrop.factor);
@@ -253,7 +261,14 @@ void paintBackdrop(cairo_t* context, Backdrop const& backdrop, double alpha)
     cairo_pattern_set_extend(cairo_get_source(context), CAIRO_EXTEND_PAD);
     cairo_pattern_set_filter(
         cairo_get_source(context), backdrop.factor == 1 ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_BILINEAR);
-    cairo_paint_with_alpha(context, std::min(alpha, 1.0));
+    // Where the backdrop itself is translucent it stands in for what was there, rather than lie over it.
+    cairo_set_operator(context, backdrop.isOpaque ? CAIRO_OPERATOR_OVER : CAIRO_OPERATOR_SOURCE);
+    if (alpha < 1) {
+        cairo_clip(context);
+        cairo_paint_with_alpha(context, alpha);
+    } else {
+        cairo_fill(context);
+    }
     cairo_restore(context);
 }
 

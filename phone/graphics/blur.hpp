@@ -29,6 +29,7 @@ struct Backdrop {
     double deviceX { 0 };   // of the top left corner, in device pixels of the target it was taken from
     double deviceY { 0 };
     int factor { 1 };
+    bool isOpaque { false };
 };
 
 // Takes the region beneath the current path; the path stays. An empty backdrop when the path lies

@@ -1,5 +1,5 @@
 // One decoder and encoder a format, behind image_codec.hpp. Each answers none on data that it can't
-// use, never raises, and prints nothing.
+// use, never raises, and prints nothing (but libheif's HEVC decoder may name an error of its own).
 #pragma once
 
 #include "phone/graphics/image_codec.hpp"

@@ -176,10 +176,14 @@ Spring Spring::settlingIn(double duration, double dampingRatio)
 {
     double const ratio = std::clamp(dampingRatio, 0.01, 1.0);
     double const time = std::max(duration, 1e-3);
-    // exp(-ratio * frequency * time) = 1/1000; the critical case carries a further factor (1 + wt).
+    // The swing's envelope, exp(-ratio * frequency * time) / sqrt(1 - ratio^2), falls to 1/1000; near
+    // critical damping it overrates the swing, and the critical spring's own time is enough.
     constexpr double kLogThousand = 6.907755278982137;
     constexpr double kCriticalLogThousand = 9.233412;   // root of (1 + x) exp(-x) = 1/1000
-    double const frequency = (ratio < 1 ? kLogThousand / ratio : kCriticalLogThousand) / time;
+    bool const isNearCritical = ratio > 0.99;
+    double const turns =
+        isNearCritical ? kCriticalLogThousand : (kLogThousand - std::log(1 - ratio * ratio) / 2) / ratio;
+    double const frequency = turns / time;
     return { 1, frequency * frequency, 2 * ratio * frequency };
 }
 

@@ -315,8 +315,12 @@ void drawGlyph(cairo_t* context, Glyph glyph, Rect const& rect, Color const& col
     cairo_save(context);
     // Parts overlap; as a group they fade as one shape.
     bool const isTranslucent = color.alpha < 1;
-    if (isTranslucent)
+    if (isTranslucent) {
+        // Without a clip the group would be as large as the whole screen.
+        addRect(context, rect.inset(-1, -1));
+        cairo_clip(context);
         cairo_push_group(context);
+    }
     fitBox(context, row.box, rect);
     cairo_new_path(context);
     setColor(context, color.withAlpha(1));

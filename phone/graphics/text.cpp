@@ -276,8 +276,17 @@ void TextLayout::draw(
     // Cairo paints colour glyphs as they are, whatever the source's alpha.
     bool const fadesAsGroup = m_lines->hasColorGlyphs && color.alpha < 1;
     cairo_save(context);
-    if (fadesAsGroup)
+    if (fadesAsGroup) {
+        // Without a clip the group would be as large as the whole screen. Glyphs may reach out of their
+        // lines, but never by more than the size of one.
+        double const margin = m_lines->metrics.lineHeight;
+        Rect const block { std::min(rect.x, rect.midX() - m_lines->width), m_lines->top(rect, vertical),
+            std::max(rect.width, 2 * m_lines->width), m_lines->height() };
+        cairo_rectangle(
+            context, block.x - margin, block.y - margin, block.width + 2 * margin, block.height + 2 * margin);
+        cairo_clip(context);
         cairo_push_group(context);
+    }
     cairo_set_source_rgba(context, color.red, color.green, color.blue, fadesAsGroup ? 1 : color.alpha);
     m_lines->forEachLine(rect, vertical, [context](PangoLayoutLine* line, double x, double baseline) {
         cairo_move_to(context, x, baseline);

@@ -94,7 +94,8 @@ void paintGlow(cairo_t* context, Glow const& glow, Size size)
 {
     double const x = glow.center.x * size.width;
     double const y = glow.center.y * size.height;
-    Pattern const gradient { cairo_pattern_create_radial(x, y, 0, x, y, glow.radius * size.height) };
+    double const radius = glow.radius * size.height;
+    Pattern const gradient { cairo_pattern_create_radial(x, y, 0, x, y, radius) };
     // Falls off as (1 + cos) / 2, without the visible rim that a straight ramp leaves.
     constexpr int kSteps = 8;
     for (int i = 0; i <= kSteps; ++i) {
@@ -103,7 +104,8 @@ void paintGlow(cairo_t* context, Glow const& glow, Size size)
         addStop(gradient, distance, Color::hex(glow.rgb, glow.alpha * strength));
     }
     cairo_set_source(context, gradient.get());
-    cairo_paint(context);
+    addRect(context, { x - radius, y - radius, 2 * radius, 2 * radius });
+    cairo_fill(context);
 }
 
 void paintStars(cairo_t* context, int count, Size size)
