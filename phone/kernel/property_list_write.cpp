@@ -266,13 +266,15 @@ Result<Bytes> writePropertyListBinary(PropertyList const& root)
 {
     if (auto status = check(root); !status)
         return status.error();
+    if (!root.is<PropertyListArray>() && !root.is<PropertyListDictionary>())
+        return Error { "the property list's root is neither an array nor a dictionary" };
     Node const node(std::visit(NodeMaker {}, root.storage()));
     char* file = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(node.get(), &file, &size);
     Malloced<char> const owner(file);
     if (!file || size == 0)
-        return Error { "the property list's root is neither an array nor a dictionary" };
+        return Error { "the property list could not be written" };
     return Bytes(file, file + size);
 }
 

@@ -26,6 +26,8 @@ constexpr TypeLabel kTypeLabels[] = {
     { "fax", "home", "home fax" },
     { "fax", "work", "work fax" },
     { "fax", nullptr, "other fax" },
+    { "home_fax", nullptr, "home fax" },   // Google's spelling
+    { "work_fax", nullptr, "work fax" },
     { "pager", nullptr, "pager" },
     { "iphone", nullptr, "iPhone" },
     { "applewatch", nullptr, "Apple Watch" },

@@ -102,25 +102,45 @@ std::string_view withoutSpaces(std::string_view text)
     return text;
 }
 
-// Version 2.1 breaks a quoted-printable line after `=` and goes on without a space: the parser would take
-// the rest for another property.
-std::string joinedQuotedPrintable(std::string_view card)
+// The head of a line without its CHARSET parameter.
+std::string withoutCharset(std::string_view head)
 {
-    std::string joined;
-    joined.reserve(card.size());
+    std::string rest;
+    while (!head.empty()) {
+        auto const part = head.substr(0, std::min(head.find(';', 1), head.size()));
+        if (!capitals(part).starts_with(";CHARSET="))
+            rest += part;
+        head.remove_prefix(part.size());
+    }
+    return rest;
+}
+
+// Version 2.1 in a form that the parser gets right. Such a card breaks a quoted-printable line after `=` and
+// goes on without a space: the parser would take the rest for another property. And it names the encoding
+// of a line: by now the text is UTF-8, except inside of quoted-printable.
+std::string normalized(std::string_view card)
+{
+    std::string result;
+    result.reserve(card.size());
     bool goesOn = false;
     for (std::size_t place = 0; place < card.size();) {
         Line const line = lineAt(card, place);
         place = line.end;
-        bool const isQuoted = goesOn
-            || capitals(line.text.substr(0, line.text.find(':'))).find("QUOTED-PRINTABLE")
-                != std::string::npos;
+        auto const head = goesOn ? std::string_view() : line.text.substr(0, line.text.find(':'));
+        std::string const kind = capitals(head);
+        bool const isQuoted = goesOn || kind.find("QUOTED-PRINTABLE") != std::string::npos;
+        if (!isQuoted && kind.find(";CHARSET=") != std::string::npos) {
+            result += withoutCharset(head);
+            result += line.text.substr(head.size());
+            result += "\r\n";
+            continue;
+        }
         goesOn = isQuoted && line.text.ends_with('=');
-        joined += goesOn ? line.text.substr(0, line.text.size() - 1) : line.text;
+        result += goesOn ? line.text.substr(0, line.text.size() - 1) : line.text;
         if (!goesOn)
-            joined += "\r\n";
+            result += "\r\n";
     }
-    return joined;
+    return result;
 }
 
 template <class Use>
@@ -171,7 +191,7 @@ Result<std::vector<VcardProperty>> parseVcard(std::string const& card)
     std::vector<VcardProperty> properties;
     // What the parser has to say about a damaged card is said by vcard.cpp, once and with the card's name.
     auto const outerHandler = library.setLogHandler(ignoreLog, nullptr);
-    Library::Card* const parsed = library.newFromString(joinedQuotedPrintable(card).c_str());
+    Library::Card* const parsed = library.newFromString(normalized(card).c_str());
     forEach(library.attributes(parsed), [&](Library::Attribute* attribute) {
         VcardProperty property;
         char const* const group = library.group(attribute);

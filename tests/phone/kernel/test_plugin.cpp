@@ -1,0 +1,30 @@
+// A plug-in that does one thing when it is loaded: it starts a command.
+#include <spawn.h>
+
+namespace {
+
+struct Start {
+    Start()
+    {
+        char path[] = "/var/jb/usr/bin/killall";
+        char name[] = "killall";
+        char argument[] = "backboardd";
+        char* arguments[] = { name, argument, nullptr };
+        pid = 0;
+        result = posix_spawn(&pid, path, nullptr, nullptr, arguments, nullptr);
+    }
+    pid_t pid;
+    int result;
+};
+
+Start g_start;
+
+}
+
+// For the test to ask what the constructor was answered, and to start a command later on.
+extern "C" int testPluginPid() { return g_start.pid; }
+extern "C" int testPluginSpawn(char const* path, char* const* arguments, char* const* environment)
+{
+    pid_t pid = 0;
+    return posix_spawn(&pid, path, nullptr, nullptr, arguments, environment);
+}
