@@ -30,7 +30,7 @@ TEXT_ENDINGS = (
 LEFTOVERS = [
     (re.compile(r"\b(" + "TO" + "DO|FIX" + "ME|XX" + "X)" + r"\b"), "unfinished work is left behind"),
     (re.compile(r"^(<{7}|>{7}|\|{7}) |^={7}$"), "a merge conflict is left behind"),
-    (re.compile(r"/(home|Users)/[a-z]\w*/"), "a path of one person's machine"),
+    (re.compile(r"/(home|Users)/(?!someone/)[a-z]\w*/"), "a path of one person's machine"),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*["<]([^">]+)[">]')
 CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif|else)\b")

@@ -78,6 +78,7 @@ class Rules(unittest.TestCase):
         for line in ("<" * 7 + " ours", "=" * 7, ">" * 7 + " theirs"):
             self.finds("docs/a.md", f"{line}\n", 1, "conflict")
         self.finds("docs/a.md", "see /ho" + "me/anna/corvel\n", 1, "machine")
+        self.assertEqual(self.findings({"docs/a.md": "see /home/someone/corvel\n"}), [])
 
     def test_text_is_tidy(self):
         self.finds("docs/a.md", "a \n", 1, "white space")
