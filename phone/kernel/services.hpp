@@ -6,10 +6,9 @@
 #include "phone/kernel/clock.hpp"
 #include "phone/kernel/trace.hpp"
 
-#include <functional>
-#include <string>
-
 namespace phone {
+
+class DeviceRoot;
 
 inline Clock& clock() { return deviceClock(); }
 inline Trace& trace() { return deviceTrace(); }
@@ -19,6 +18,14 @@ inline BootOptions& bootOptions()
 {
     static BootOptions options;
     return options;
+}
+
+// The phone's disk. Set by boot; null before (and in tests of parts that need none): then there is no file
+// under any device path.
+inline DeviceRoot*& deviceRoot()
+{
+    static DeviceRoot* root = nullptr;
+    return root;
 }
 
 // Points, as UIScreen's bounds have it: turned with the orientation (interface orientation codes 1 to 4).

@@ -32,6 +32,8 @@ bool isInsideAnimationBlock();
 
 // Animations running on any view.
 bool hasRunningAnimations();
+// Drops the record of a view that is going.
+void forgetAnimatedView(UIView view);
 // Drops those of this view (its model values show at once); their completions get false.
 void removeAllAnimations(UIView view);
 

@@ -20,7 +20,6 @@ struct UIApplication : objc::subclass<UIApplication, "UIApplication", UIResponde
     NSInteger userInterfaceLayoutDirection() const;
     NSInteger applicationState() const;
     NSInteger statusBarOrientation() const;
-    NSInteger preferredContentSizeCategoryIndex() const;
     BOOL canOpenURL(objc::handle url) const;
     BOOL openURL(objc::handle url) const;
     void openURLWithOptions(objc::handle url, NSDictionary options, SuccessBlock completion) const;

@@ -18,6 +18,8 @@ struct UIImageView : objc::subclass<UIImageView, "UIImageView", UIView> {
     BOOL isHighlighted() const;
     void setHighlighted(BOOL highlighted) const;
 
+    void setDimmed(bool dimmed) const;   // by a button that is pressed
+
     CGSize sizeThatFits(CGSize size) const;
     CGSize intrinsicContentSize() const;
     void drawContent(DrawContext* context) const;

@@ -43,7 +43,12 @@ struct UIStackView : objc::subclass<UIStackView, "UIStackView", UIView> {
     CGFloat spacing() const;
     void setSpacing(CGFloat spacing) const;
     void setCustomSpacing(CGFloat spacing, UIView view) const;
-    CGSize intrinsicContentSize() const;
+    void willRemoveSubview(UIView view) const;
+
+    // Rows of the table: the same as a message, with the trace's `stack`.
+    void addArrangedSubviewMessage(UIView view) const;
+    void insertArrangedSubviewMessage(UIView view, NSUInteger index) const;
+    void removeArrangedSubviewMessage(UIView view) const;
 };
 
 void defineUIStackView();

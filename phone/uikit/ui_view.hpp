@@ -229,6 +229,13 @@ struct UIView : objc::subclass<UIView, "UIView", UIResponder> {
 
     // For UIKit's own files.
     ViewState& viewState() const;
+
+    // Rows of the table: the same as a message, which the observer below is told of.
+    UIView initWithFrameMessage(CGRect frame) const;
+    void setFrameMessage(CGRect frame) const;
+    void setCenterMessage(CGPoint center) const;
+    void setTransformMessage(CGAffineTransform transform) const;
+    void setHiddenMessage(BOOL hidden) const;
 };
 
 // Makes a view of class T by the message, so that T's own initialiser runs.

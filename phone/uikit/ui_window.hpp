@@ -34,11 +34,29 @@ struct UIWindow : objc::subclass<UIWindow, "UIWindow", UIView> {
 
     // A number for each window, in the order in which they were made, from 1; the trace's `window`.
     int number() const;
+
+    // Rows of the table: the same as a message, with the trace's `window`.
+    UIWindow initWithFrameMessage(CGRect frame) const;
+    void setFrameMessage(CGRect frame) const;
+    void setWindowLevelMessage(CGFloat level) const;
+    void setRootViewControllerMessage(UIViewController controller) const;
+    void setHiddenMessage(BOOL hidden) const;
+    void makeKeyAndVisibleMessage() const;
+    void makeKeyWindowMessage() const;
+    void setSecureMessage(BOOL secure) const;
+    void setAutorotatesMessage(BOOL autorotates) const;
+    void setUserInteractionEnabledMessage(BOOL enabled) const;
+    void setTintColorMessage(UIColor color) const;
+    void setBackgroundColorMessage(UIColor color) const;
 };
+
+// What the display's corners, camera and home indicator cover, turned with the orientation; by the screen's
+// size. Zero for screens with a home button.
+UIEdgeInsets safeAreaOfScreen();
 
 // All windows, back to front: by level, then by the time at which they were last shown.
 std::vector<UIWindow> allWindows();
-// Makes the window key; nil: none is.
+// Makes the window key. When it hides or goes, the one that was key before it is key again.
 void setKeyWindow(UIWindow window);
 
 // Lays out what needs it in every window. Runs by itself at the end of the turn in which something changed;
