@@ -23,14 +23,28 @@ inline constexpr ownership assign = ownership::assign;
 inline constexpr ownership strong = ownership::strong;
 inline constexpr ownership copy = ownership::copy;
 
+// Instance variables move when a superclass grows, so their offset is asked for at the first use.
+struct named_ivar {
+    named_class* owner;
+    char const* name;
+    std::ptrdiff_t offset;   // bytes; 0 until it is known, since an object starts with its class
+};
+template <class T, fixed_string Name>
+inline constinit named_ivar ivar_record { &class_record<T::class_name>, Name.c_str(), 0 };
+
+[[gnu::noinline]] inline void* ivar_storage(id object, named_ivar& record)
+{
+    if (!record.offset)
+        record.offset = ivar_getOffset(class_getInstanceVariable(look_up(*record.owner), record.name));
+    return reinterpret_cast<char*>(object) + record.offset;
+}
+
 // The storage of an instance variable, by its name with the underscore. The object must not be nil, and its
 // class must have the variable: meant for classes that we define.
 template <class V, fixed_string Name, class T>
 V& ivar(T self)
 {
-    static std::ptrdiff_t const offset =
-        ivar_getOffset(class_getInstanceVariable(T::cls().get(), Name.c_str()));
-    return *reinterpret_cast<V*>(reinterpret_cast<char*>(self.object) + offset);
+    return *static_cast<V*>(ivar_storage(self.object, ivar_record<T, Name>));
 }
 
 // Whether the object's class has an instance variable of that name.
@@ -130,6 +144,13 @@ struct class_method_thunk<Function, R, class_handle, A...> {
 template <class R, class... A, R (*Function)(A...)>
 struct method_thunk<Function> : class_method_thunk<Function, R, A...> {
 };
+
+// A row of a class's table. Does nothing without a class.
+[[gnu::noinline]] inline void add_method(Class cls, char const* selector, IMP code, char const* encoding)
+{
+    if (cls)
+        class_addMethod(cls, sel_registerName(selector), boundary::leaving(code), encoding);
+}
 
 template <class T>
 class define {
@@ -235,9 +256,7 @@ private:
     template <fixed_string Selector, class F>
     void add(F* code, char const* encoding)
     {
-        if (m_class)
-            class_addMethod(
-                m_class, selector<Selector>(), boundary::leaving(boundary::any_function(code)), encoding);
+        add_method(m_class, selector_record<Selector>.name, boundary::any_function(code), encoding);
     }
 
     template <fixed_string Name>

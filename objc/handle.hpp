@@ -15,12 +15,44 @@ class ref;
 template <class Signature>
 struct block_ref;
 
-// The registered selector of a name; looked up once a program.
+// What is looked up by name, once a program: a record for each name and one function for all of them, so that
+// the code of a use is a call and no more.
+struct named_selector {
+    char const* name;
+    SEL found;
+};
+struct named_class {
+    char const* name;
+    Class found;
+};
+template <fixed_string Name>
+inline constinit named_selector selector_record { Name.c_str(), nullptr };
+template <fixed_string Name>
+inline constinit named_class class_record { Name.c_str(), nullptr };
+
+[[gnu::noinline]] inline SEL look_up(named_selector& record)
+{
+    if (!record.found)
+        record.found = sel_registerName(record.name);
+    return record.found;
+}
+[[gnu::noinline]] inline Class look_up(named_class& record)
+{
+    if (!record.found)
+        record.found = objc_getClass(record.name);
+    return record.found;
+}
+
+// The registered selector of a name.
 template <fixed_string Name>
 SEL selector()
 {
-    static SEL const registered = sel_registerName(Name.c_str());
-    return registered;
+    return look_up(selector_record<Name>);
+}
+
+[[gnu::noinline]] inline bool responds_to(id object, named_selector& record)
+{
+    return object && is_true(class_respondsToSelector(boundary::class_of(object), look_up(record)));
 }
 
 struct handle {
@@ -48,7 +80,7 @@ struct handle {
     template <fixed_string Selector>
     bool responds() const
     {
-        return object && is_true(class_respondsToSelector(boundary::class_of(object), selector<Selector>()));
+        return responds_to(object, selector_record<Selector>);
     }
 };
 
@@ -71,10 +103,7 @@ struct class_handle : handle {
 template <fixed_string Name>
 class_handle cls()
 {
-    static Class found = nullptr;
-    if (!found)
-        found = objc_getClass(Name.c_str());
-    return class_handle { found };
+    return class_handle { look_up(class_record<Name>) };
 }
 
 // The base of every typed handle:

@@ -91,12 +91,23 @@ inline void NSObject::setValue(objc::handle value, NSString key) const
 }
 inline NSString NSObject::description() const { return send<"description", NSString>(); }
 
-// A constant string, made once and kept: "CVL"_ns.
+struct ConstantText {
+    char const* text;
+    NSString made;   // nil until the first use
+};
+template <objc::fixed_string Text>
+inline constinit ConstantText constantText { Text.c_str(), {} };
+[[gnu::noinline]] inline NSString keptText(ConstantText& record)
+{
+    if (!record.made)
+        record.made = objc::leak(objc::retain(NSString::stringWithUTF8String(record.text)));
+    return record.made;
+}
+// A constant string, made at its first use and kept: "CVL"_ns.
 template <objc::fixed_string Text>
 NSString operator""_ns()
 {
-    static NSString const constant = objc::leak(objc::retain(NSString::stringWithUTF8String(Text.c_str())));
-    return constant;
+    return keptText(constantText<Text>);
 }
 
 struct NSCharacterSet : objc::subclass<NSCharacterSet, "NSCharacterSet", NSObject> {
