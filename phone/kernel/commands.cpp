@@ -32,7 +32,18 @@ void Commands::add(std::string path, Program program) { m_programs[std::move(pat
 
 void Commands::remove(std::string const& path) { m_programs.erase(path); }
 
-bool Commands::isKnown(std::string const& path) const { return m_programs.count(path) != 0; }
+void Commands::setHidden(std::string const& path, bool isHidden)
+{
+    if (isHidden)
+        m_hidden.insert(path);
+    else
+        m_hidden.erase(path);
+}
+
+bool Commands::isKnown(std::string const& path) const
+{
+    return m_programs.contains(path) && !m_hidden.contains(path);
+}
 
 // backboardd takes SpringBoard down with it. Other names match no process of the phone.
 void Commands::killall(std::vector<std::string> const& arguments)
@@ -46,7 +57,8 @@ void Commands::killall(std::vector<std::string> const& arguments)
 }
 
 Commands::Started Commands::spawn(std::optional<std::string> path,
-    std::optional<std::vector<std::string>> arguments, std::optional<std::vector<std::string>> environment)
+    std::optional<std::vector<std::string>> arguments,
+    std::optional<std::vector<std::string>> const& environment)
 {
     Started started;
     if (!path || !arguments)

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ public:
     // Makes a program known at an absolute device path, or unknown again. A program runs on a later turn.
     void add(std::string path, Program program);
     void remove(std::string const& path);
+    // As if the command were missing, until it is shown again.
+    void setHidden(std::string const& path, bool isHidden);
     bool isKnown(std::string const& path) const;
 
     struct Started {
@@ -41,7 +44,7 @@ public:
     // program run. An unknown path gives ENOENT. A null `arguments` or `path` (as a C caller may pass) gives
     // EFAULT and is recorded as null.
     Started spawn(std::optional<std::string> path, std::optional<std::vector<std::string>> arguments,
-        std::optional<std::vector<std::string>> environment);
+        std::optional<std::vector<std::string>> const& environment);
 
 private:
     void killall(std::vector<std::string> const& arguments);
@@ -50,6 +53,7 @@ private:
     Trace& m_trace;
     std::function<void()> m_restart;
     std::map<std::string, Program> m_programs;   // by path
+    std::set<std::string> m_hidden;              // paths
     int m_nextPid { 1001 };
 };
 

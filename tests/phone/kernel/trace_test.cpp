@@ -113,6 +113,7 @@ TEST_F(TraceTest, StartsAtNoughtAfterABoot)
 TEST_F(TraceTest, TakesEventsFromManyThreads)
 {
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int k = 0; k < 250; ++k)

@@ -4,6 +4,10 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
+// LeakSanitizer asks for this. Evolution's parser forgets a GLib string for some damaged cards; nothing else
+// here allocates with GLib, so nothing of ours is excused.
+extern "C" char const* __lsan_default_suppressions() { return "leak:libglib-2.0\n"; }
+
 namespace phone {
 namespace {
 
@@ -219,7 +223,7 @@ TEST(Vcard, SurvivesDamage)
         auto const cut = readVcards(std::string_view(good).substr(0, place), "a");
         EXPECT_TRUE(cut || !cut.message().empty());
     }
-    EXPECT_FALSE(readVcards("BEGIN:VCARD\nEND:VCARD\n", "a")->contacts.size());
+    EXPECT_TRUE(readVcards("BEGIN:VCARD\nEND:VCARD\n", "a")->contacts.empty());
 }
 
 TEST(Vcard, ReadsAnAddressBookOfTenThousandQuickly)
