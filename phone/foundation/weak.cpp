@@ -1,10 +1,15 @@
 #include "phone/foundation/weak.hpp"
 
+#include <array>
 #include <atomic>
+#include <cstdlib>
 #include <mutex>
 #include <unordered_map>
 
-extern "C" IMP method_setImplementation(Method method, IMP implementation);
+extern "C" {
+IMP method_setImplementation(Method method, IMP implementation);
+void __objc_update_dispatch_table_for_class(Class cls);
+}
 
 namespace phone {
 
@@ -23,11 +28,20 @@ Cells& cells()
     return *all;
 }
 
+using DeallocationObserver = void (*)(id);
+std::array<std::atomic<DeallocationObserver>, 4> g_deallocationObservers {};
+
 using Dealloc = void (*)(id, SEL);
 Dealloc g_objectDealloc = nullptr;
 
 void deallocAndEmptyCell(id object, SEL cmd)
 {
+    for (auto const& each : g_deallocationObservers) {
+        DeallocationObserver const observer = each.load(std::memory_order_relaxed);
+        if (!observer)
+            break;
+        observer(object);
+    }
     Cells& all = cells();
     if (all.count.load(std::memory_order_relaxed)) {
         std::lock_guard const lock(all.mutex);
@@ -43,15 +57,28 @@ void deallocAndEmptyCell(id object, SEL cmd)
 void watchDeallocations()
 {
     static bool const isWatching = [] {
-        Method const dealloc =
-            class_getInstanceMethod(objc_getClass("NSObject"), sel_registerName("dealloc"));
+        Class const root = objc_getClass("NSObject");
+        Method const dealloc = class_getInstanceMethod(root, sel_registerName("dealloc"));
         g_objectDealloc = reinterpret_cast<Dealloc>(
             method_setImplementation(dealloc, objc::boundary::any_function(&deallocAndEmptyCell)));
+        // GNU libobjc tells NSObject alone; classes that are in use would keep the old one.
+        __objc_update_dispatch_table_for_class(root);
         return true;
     }();
     static_cast<void>(isWatching);
 }
 
+}
+
+void observeDeallocations(DeallocationObserver observer)
+{
+    watchDeallocations();
+    for (auto& each : g_deallocationObservers) {
+        DeallocationObserver free = nullptr;
+        if (each.compare_exchange_strong(free, observer))
+            return;
+    }
+    std::abort();
 }
 
 std::shared_ptr<id> weakCell(id object)

@@ -14,6 +14,10 @@ namespace phone {
 // function in front of -[NSObject dealloc].
 std::shared_ptr<id> weakCell(id object);
 
+// Calls the function with each object whose -dealloc reaches NSObject, before it goes; any thread. For good;
+// at most four functions.
+void observeDeallocations(void (*observer)(id object));
+
 template <class T>
 class Weak {
 public:
