@@ -35,7 +35,10 @@ constexpr CGRect inset(CGRect r, UIEdgeInsets by)
 }
 constexpr CGRect standardized(CGRect r)
 {
-    return { { minX(r), minY(r) }, { maxX(r) - minX(r), maxY(r) - minY(r) } };
+    // Not maximum less minimum: rounding would change a size that is in order.
+    CGSize const size = r.size;
+    return { { minX(r), minY(r) },
+        { size.width < 0 ? -size.width : size.width, size.height < 0 ? -size.height : size.height } };
 }
 CGRect intersection(CGRect a, CGRect b);   // zero when they don't meet
 constexpr bool intersects(CGRect a, CGRect b)

@@ -28,6 +28,8 @@ NSSet matching(UIEvent event, Predicate matches)
 
 }
 
+TouchState& UITouch::touchState() const { return objc::state<TouchState>(*this); }
+
 TouchPhase UITouch::phase() const { return touchState().phase; }
 double UITouch::timestamp() const { return touchState().timestamp; }
 NSUInteger UITouch::tapCount() const { return touchState().tapCount; }

@@ -40,7 +40,7 @@ struct UITouch : objc::subclass<UITouch, "UITouch", NSObject> {
     CGPoint locationInView(UIView) const;
     CGPoint previousLocationInView(UIView) const;
 
-    TouchState& touchState() const { return objc::state<TouchState>(*this); }
+    TouchState& touchState() const;
 };
 void defineUITouch();
 
