@@ -2,6 +2,7 @@
 
 #include "phone/uikit/animation.hpp"
 #include "phone/uikit/drawn_view.hpp"
+#include "phone/uikit/interaction.hpp"
 #include "phone/uikit/ns_layout.hpp"
 #include "phone/uikit/ui_application.hpp"
 #include "phone/uikit/ui_button.hpp"
@@ -35,6 +36,7 @@ void defineUIKit()
     defineUIVisualEffectView();
     defineUIStackView();
     defineDrawnView();
+    defineInteraction();
 }
 
 }
