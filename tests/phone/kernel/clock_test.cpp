@@ -1,6 +1,5 @@
 #include "phone/kernel/clock.hpp"
 
-#include <chrono>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -262,13 +261,13 @@ TEST_F(ClockTest, FrameObserversComeAndGoDuringAFrame)
     EXPECT_EQ(log, Names({ "first@0.0166", "new@0.0333" }));
 }
 
-TEST_F(ClockTest, AnHourWithNothingDueAnswersAtOnce)
+TEST_F(ClockTest, SkipsStretchesInWhichNothingIsDue)
 {
-    clock.at(1800, 0, note("half"));
-    auto const before = std::chrono::steady_clock::now();
-    ASSERT_TRUE(clock.advance(3600));
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(50));
-    EXPECT_EQ(log, Names({ "half@1800.0" }));
+    // Thirty thousand years: frame by frame this would not end.
+    clock.at(1800, 0, note("half an hour"));
+    ASSERT_TRUE(clock.advance(1e12));
+    EXPECT_EQ(log, Names({ "half an hour@1800.0" }));
+    EXPECT_EQ(clock.now(), 1e12);
 }
 
 TEST_F(ClockTest, WorkThatNeverEndsGetsATurnAFrame)

@@ -2,7 +2,6 @@
 // AddressSanitizer and UndefinedBehaviorSanitizer as well.
 #include "phone/kernel/property_list.hpp"
 
-#include <chrono>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -199,14 +198,12 @@ TEST(DamagedPropertyList, ValuesThatHoldThemselves)
 
 TEST(DamagedPropertyList, SharedValuesThatWouldExplode)
 {
-    // Thirty arrays, each of ten references to the next: 10^30 values once copied.
+    // Thirty arrays, each of ten references to the next: 10^30 values once copied, which would not end.
     std::vector<std::string> objects;
     for (char i = 1; i <= 30; ++i)
         objects.push_back("\xAA" + std::string(10, i));
     objects.push_back("\x09");
-    auto const before = std::chrono::steady_clock::now();
     EXPECT_EQ(readPropertyList(binary(objects)).message(), "not a binary property list: too many values");
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
 }
 
 TEST(DamagedPropertyList, LengthsAndReferencesThatLeadOutside)
