@@ -287,6 +287,8 @@ std::string refusal(UIViewController presenter, UIViewController controller)
         return attempt + "it presents a " + classNameOf(shown) + " already";
     if (!presenter.view().window())
         return attempt + "its view is in no window";
+    if (!controller.send<"phone_mayBePresented", BOOL>())
+        return attempt + "it is not to be shown now";
     return {};
 }
 
@@ -417,6 +419,7 @@ void UIViewController::animatePresentation(BOOL presenting, std::function<void()
 }
 
 void UIViewController::describePresentation(Json*) const { }
+BOOL UIViewController::mayBePresented() const { return true; }
 
 std::vector<UIViewController> presentedControllers(UIWindow window)
 {
@@ -467,6 +470,7 @@ void defineUIViewController()
         .method<"_canShowWhileLocked", &UIViewController::canShowWhileLocked>()
         .method<"phone_animatePresentation:completion:", &UIViewController::animatePresentation>()
         .method<"phone_describePresentation:", &UIViewController::describePresentation>()
+        .method<"phone_mayBePresented", &UIViewController::mayBePresented>()
         .install();
 }
 

@@ -60,8 +60,10 @@ struct UIViewController : objc::subclass<UIViewController, "UIViewController", U
     //     in or out and calls *done when it has arrived; the base slides from below in 0.4 s. The function
     //     object has to be moved or copied out.
     //   phone_describePresentation: (nlohmann::ordered_json* fields) adds fields to the trace's event.
+    //   phone_mayBePresented: NO refuses the presentation; the base: YES.
     void animatePresentation(BOOL presenting, std::function<void()>* done) const;
     void describePresentation(nlohmann::ordered_json* fields) const;
+    BOOL mayBePresented() const;
 };
 
 // The view of the controller enters or leaves the screen: sends the appearance messages that are due.

@@ -1,0 +1,30 @@
+#include "phone/apps/apps.hpp"
+
+#include "phone/apps/call_card.hpp"
+#include "phone/apps/cn_contact.hpp"
+#include "phone/apps/contact_picker.hpp"
+#include "phone/apps/layout_view.hpp"
+#include "phone/apps/mail_composer.hpp"
+#include "phone/apps/message_composer.hpp"
+#include "phone/apps/siri_card.hpp"
+
+namespace phone {
+
+void defineApplications()
+{
+    defineLayoutView();
+    defineCallCard();
+    defineSiriCard();
+    defineMFMessageComposeViewController();
+    defineMFMailComposeViewController();
+    defineCNContact();
+    defineCNContactPickerViewController();
+}
+
+void layOutApplications()
+{
+    layOutCall();
+    layOutSiri();
+}
+
+}

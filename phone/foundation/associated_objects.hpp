@@ -1,0 +1,11 @@
+// Associated objects: what one object keeps for another under a key, until it goes. GNU libobjc has none; the
+// functions objc_setAssociatedObject, objc_getAssociatedObject and objc_removeAssociatedObjects are exported
+// under the names, and with the policies, of the platform's runtime. Any thread.
+#pragma once
+
+namespace phone {
+
+// Has what an object keeps released with it. Boot calls it before plug-ins load; further calls do nothing.
+void watchAssociatedObjects();
+
+}
