@@ -176,7 +176,7 @@ public:
         class_addIvar(m_class, Name.c_str(), sizeof(V), log2Alignment, encoding<V>::value.c_str());
         if constexpr (std::is_base_of_v<handle, V>) {
             if (kind != assign)
-                cleanups().push_back([](T self) { release_ivar<Name>(self); });
+                cleanups().push_back([](id self) { release_ivar<Name>(T { self }); });
         }
         return *this;
     }
@@ -202,7 +202,7 @@ public:
     {
         ivar<state_ivar_name<T>, void*>();
         cleanups().push_back(
-            [](T self) { delete std::exchange(objc::ivar<S*, state_ivar_name<T>>(self), nullptr); });
+            [](id self) { delete std::exchange(objc::ivar<S*, state_ivar_name<T>>(T { self }), nullptr); });
         return *this;
     }
 
@@ -247,9 +247,9 @@ public:
 
 private:
     // What to undo when an instance goes, in the order of the table.
-    static std::vector<void (*)(T)>& cleanups()
+    static std::vector<void (*)(id)>& cleanups()
     {
-        static std::vector<void (*)(T)> rows;
+        static std::vector<void (*)(id)> rows;
         return rows;
     }
 
@@ -288,10 +288,9 @@ private:
 
     static void dealloc(id object, SEL)
     {
-        T const self { object };
         for (auto* const cleanup : cleanups())
-            cleanup(self);
-        send_super<T, "dealloc">(self);
+            cleanup(object);
+        send_super<T, "dealloc">(T { object });
     }
 
     Class m_class = nullptr;
