@@ -25,7 +25,9 @@
 #include "phone/uikit/uikit.hpp"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 extern "C" {
 extern double kCFCoreFoundationVersionNumber;
@@ -89,6 +91,15 @@ Status applyClassChanges(BootOptions const& options)
         if (auto const done = addMethod(present); !done)
             return done;
     return {};
+}
+
+// As SpringBoard ends: without undoing what it has built. The order in which C++ destroys what is static is not
+// one in which views, observers and plug-ins could go.
+void leaveAtOnce(int status, void*)
+{
+    phone().close();
+    std::fflush(nullptr);
+    _exit(status);
 }
 
 UIView findStrip(UIView root, bool isOutsideLockScreen)
@@ -158,7 +169,6 @@ Status Phone::openRoot(RestartState const* restart)
         m_root.emplace(std::move(*root));
     }
     deviceRoot() = &*m_root;
-    std::atexit([] { phone().close(); });
     if (restart)
         return {};
 
@@ -245,6 +255,7 @@ Status Phone::bootWith(BootOptions const& options, RestartState const* restart)
     }
     loadPluginLibraries();
     startSpringBoard(restart && restart->isMusicPlaying);
+    on_exit(leaveAtOnce, nullptr);
     clock().runLoopTurn();
     return {};
 }

@@ -282,7 +282,8 @@ Status Clock::advance(double seconds)
 
 Clock& deviceClock()
 {
-    static Clock clock;
+    // Never destroyed: at exit its timers would release objects of a runtime that has been taken down.
+    static Clock& clock = *new Clock;
     return clock;
 }
 

@@ -77,7 +77,7 @@ Commands::Started Commands::spawn(std::optional<std::string> path,
 
 Commands& deviceCommands()
 {
-    static Commands commands(deviceClock(), deviceTrace());
+    static Commands& commands = *new Commands(deviceClock(), deviceTrace());
     return commands;
 }
 

@@ -98,7 +98,7 @@ void Trace::setMainThread()
 
 Trace& deviceTrace()
 {
-    static Trace trace(deviceClock());
+    static Trace& trace = *new Trace(deviceClock());   // as long-lived as its clock
     return trace;
 }
 

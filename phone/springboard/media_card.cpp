@@ -13,8 +13,9 @@ namespace phone {
 namespace {
 
 constexpr double kPlayed = 0.38;   // of the song
-constexpr char kElapsed[] = "1:24";
-constexpr char kRemaining[] = "-2:17";
+// Begin with a left-to-right mark: the minus sign stays in front of the digits in every language.
+constexpr char kElapsed[] = "\u200e1:24";
+constexpr char kRemaining[] = "\u200e-2:17";
 
 struct MediaCardState {
     objc::ref<UIView> blur;

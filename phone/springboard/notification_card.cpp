@@ -2,6 +2,8 @@
 
 #include "phone/springboard/scene_parts.hpp"
 
+#include <algorithm>
+
 namespace phone {
 
 namespace {
@@ -56,20 +58,27 @@ void NotificationCard::layOut(CGRect frame)
     auto const place = [&](UIView view, graphics::Rect rect) {
         view.setFrame(fromGraphics(isRightToLeft() ? mirrored(rect, width) : rect));
     };
+    // A label's text stands in the middle of its height, so a single line gets no more than its own.
+    auto const bodyHeight = [&](double lineWidth) {
+        return std::min(2 * kLine, m_body->sizeThatFits({ lineWidth, 2 * kLine }).height);
+    };
     double const inner = width - 2 * kPadding;
     if (m_hasHeader) {
         place(m_icon, { kPadding, 10, kHeaderIconSide, kHeaderIconSide });
         place(m_application, { kPadding + 27, 11, inner - 35 - ageWidth, kLine });
         place(m_age, { width - kPadding - ageWidth, 11, ageWidth, kLine });
         place(m_title, { kPadding, 37, inner, kLine });
-        place(m_body, { kPadding, 56, inner, 2 * kLine });
+        place(m_body, { kPadding, 56, inner, bodyHeight(inner) });
         return;
     }
     double const text = kPadding + kIconSide + 11;
     place(m_icon, { kPadding, (frame.size.height - kIconSide) / 2, kIconSide, kIconSide });
-    place(m_title, { text, 12, width - text - kPadding - ageWidth - 8, kLine });
-    place(m_age, { width - kPadding - 2 - ageWidth, 12, ageWidth, kLine });
-    place(m_body, { text, 31, width - text - kPadding, 2 * kLine });
+    double const textWidth = width - text - kPadding;
+    double const body = bodyHeight(textWidth);
+    double const top = (frame.size.height - 19 - body) / 2;   // title and body together stand in the middle
+    place(m_title, { text, top, textWidth - ageWidth - 8, kLine });
+    place(m_age, { width - kPadding - 2 - ageWidth, top, ageWidth, kLine });
+    place(m_body, { text, top + 19, textWidth, body });
 }
 
 }

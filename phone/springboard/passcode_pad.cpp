@@ -61,15 +61,16 @@ void PadKey::drawContent(DrawContext* context) const
     digit.font = graphics::systemFont(side * 0.48);
     digit.alignment = graphics::TextAlignment::center;
     char const* const letters = kLetters[static_cast<std::size_t>((key().digit + 9) % 10)];
-    double const lift = *letters ? 6 : 0;
+    double const scale = side / kPad.key;
+    double const lift = *letters ? 6 * scale : 0;
     graphics::drawText(cairo, std::to_string(key().digit), digit, { 0, -lift, box.size.width, side },
         graphics::Color::white());
     graphics::TextStyle small;
-    small.font = graphics::systemFont(10, graphics::FontWeight::kSemibold);
+    small.font = graphics::systemFont(10 * scale, graphics::FontWeight::kSemibold);
     small.alignment = graphics::TextAlignment::center;
-    small.tracking = 2;
+    small.tracking = 2 * scale;
     graphics::drawText(
-        cairo, letters, small, { 1, side * 0.64, box.size.width, 14 }, graphics::Color::white());
+        cairo, letters, small, { 0, side * 0.64, box.size.width, 14 * scale }, graphics::Color::white());
 }
 
 void PadKey::setHighlighted(BOOL highlighted) const
@@ -86,8 +87,10 @@ void drawDots(DrawContext& context, CGRect bounds, std::size_t count, std::size_
     double x = (bounds.size.width - width) / 2;
     for (std::size_t i = 0; i < count; ++i, x += kPitch) {
         graphics::addEllipse(context.cairo, { x + 0.75, 0.75, kDiameter - 1.5, kDiameter - 1.5 });
-        if (i < filled)
+        if (i < filled) {
+            graphics::setColor(context.cairo, graphics::Color::white());
             cairo_fill_preserve(context.cairo);
+        }
         graphics::stroke(context.cairo, graphics::Color::white(), 1.25);
     }
 }

@@ -31,7 +31,8 @@ constexpr double kMinute = 60;
 
 std::unique_ptr<SpringBoardState>& running()
 {
-    static std::unique_ptr<SpringBoardState> state;
+    // Never destroyed: objects must not go after the runtime's own end.
+    static auto& state = *new std::unique_ptr<SpringBoardState>;
     return state;
 }
 
@@ -44,6 +45,7 @@ template <objc::fixed_string Name>
 objc::ref<UIWindow> makeWindow(double level, UIViewController root)
 {
     objc::define<NamedWindow<Name>>().install();
+    TraceOwnScope const own;
     auto const window = make<NamedWindow<Name>>(screenBounds());
     window->setWindowLevel(level);
     window->setRootViewController(root);
