@@ -69,7 +69,6 @@ Associations taken(id object)
 
 extern "C" {
 
-id objc_getAssociatedObject(id object, void const* key);
 void objc_removeAssociatedObjects(id object);
 
 void objc_setAssociatedObject(id object, void const* key, id value, std::uintptr_t policy)
@@ -115,7 +114,6 @@ id objc_getAssociatedObject(id object, void const* key)
 }
 
 void objc_removeAssociatedObjects(id object) { taken(object); }
-
 }
 
 namespace phone {

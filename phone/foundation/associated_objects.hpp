@@ -3,6 +3,11 @@
 // under the names, and with the policies, of the platform's runtime. Any thread.
 #pragma once
 
+#include "objc/abi.hpp"
+
+// The value, lent; nil for none.
+extern "C" id objc_getAssociatedObject(id object, void const* key);
+
 namespace phone {
 
 // Has what an object keeps released with it. Boot calls it before plug-ins load; further calls do nothing.

@@ -4,6 +4,7 @@
 #include "phone/foundation/index_paths.hpp"
 #include "phone/foundation/notification_centers.hpp"
 #include "phone/foundation/property_list_objects.hpp"
+#include "phone/foundation/urls.hpp"
 #include "phone/kernel/services.hpp"
 
 namespace phone {
@@ -15,6 +16,7 @@ void defineFoundation()
     replaceLocale();
     replaceFileMethods();
     extendIndexPaths();
+    replaceUrls();
     traceNotificationCenter();
     applyLocaleOptions();
     kCFCoreFoundationVersionNumber = bootOptions().coreFoundationNumber();
