@@ -3,6 +3,7 @@
 #include "phone/graphics/path.hpp"
 #include "phone/kernel/services.hpp"
 #include "phone/screen/effect_styles.hpp"
+#include "phone/screen/screen_marks.hpp"
 #include "phone/screen/shadow.hpp"
 #include "phone/uikit/ui_screen.hpp"
 #include "phone/uikit/ui_view_state.hpp"
@@ -363,6 +364,8 @@ void Renderer::drawScreen(graphics::Bitmap const& target)
     for (UIWindow const window : allWindows())
         roots.push_back(window);
     drawViews(roots, target);
+    if (auto const context = target.newContext())
+        drawScreenMarks(context.get(), toGraphics(screenBounds().size));
 }
 
 void Renderer::drawViews(std::vector<UIView> const& roots, graphics::Bitmap const& target)
