@@ -7,16 +7,18 @@
 runTests()
 {
     local name=release wanted="" value
+    local -a packages=(build test)
     while (($#)); do
         case $1 in
             --sanitize) name=sanitize ;;
+            --device) name=device packages+=(package) ;;
             --filter) takeValue "$1" "$@" && wanted=$value && shift ;;
             --no-install) mayInstall=no ;;
             *) unknownArgument test "$1" ;;
         esac
         shift
     done
-    needPackages build test
+    needPackages "${packages[@]}"
     lockBuild "$name"
     configure "$name"
     build "$name"
