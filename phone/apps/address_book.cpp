@@ -13,7 +13,7 @@ namespace phone {
 namespace {
 
 struct Book {
-    Json entries;   // null: the starter set
+    Json entries;                                              // null: the starter set
     std::optional<std::vector<AddressBookContact>> contacts;   // read when first asked for
 };
 
@@ -87,8 +87,8 @@ public:
         if (!value.is_object())
             fail(key, "is no date");
         if (value.contains("date")) {
-            auto const date = value["date"].is_string() ? parseIsoDate(value["date"].get<std::string>())
-                                                        : std::nullopt;
+            auto const date =
+                value["date"].is_string() ? parseIsoDate(value["date"].get<std::string>()) : std::nullopt;
             if (!date)
                 fail(key, "is no ISO 8601 date");
             return birthdayAt(*date);

@@ -61,8 +61,7 @@ objc::ref<UIView> makeAppCard(std::string const& identifier, std::string const& 
             graphics::drawLetterIcon(context.cairo, name, identifier, toGraphics(bounds));
     });
     views.name = centred(name, 22, graphics::FontWeight::kSemibold, UIColor::labelColor());
-    views.subject =
-        centred(subjectOfUrl(url), 28, graphics::FontWeight::kRegular, UIColor::labelColor());
+    views.subject = centred(subjectOfUrl(url), 28, graphics::FontWeight::kRegular, UIColor::labelColor());
     views.subject->setAdjustsFontSizeToFitWidth(true);
     views.subject->setMinimumScaleFactor(0.5);
     views.url = centred(url, 13, graphics::FontWeight::kRegular, UIColor::secondaryLabelColor());

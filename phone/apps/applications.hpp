@@ -13,8 +13,8 @@ namespace phone {
 struct Application {
     char const* identifier;
     char const* name;
-    char const* scheme;    // of the URLs that it opens; empty for none
-    char const* service;   // in the boot options' `absent`; empty: it is always there
+    char const* scheme;                      // of the URLs that it opens; empty for none
+    char const* service;                     // in the boot options' `absent`; empty: it is always there
     std::optional<graphics::AppIcon> icon;   // letters where there is none
     bool isCall { false };                   // shows over a locked phone
 };

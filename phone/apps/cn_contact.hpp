@@ -17,9 +17,9 @@ struct CNContact : objc::subclass<CNContact, "CNContact", NSObject> {
     NSData imageData() const;   // the full image; nil for none
     NSData thumbnailImageData() const;
     BOOL imageDataAvailable() const;
-    NSDateComponents birthday() const;      // nil for none
-    NSArray phoneNumbers() const;     // of CNLabeledValue, whose values are CNPhoneNumbers
-    NSArray emailAddresses() const;   // of CNLabeledValue, whose values are texts
+    NSDateComponents birthday() const;   // nil for none
+    NSArray phoneNumbers() const;        // of CNLabeledValue, whose values are CNPhoneNumbers
+    NSArray emailAddresses() const;      // of CNLabeledValue, whose values are texts
 };
 
 struct CNLabeledValue : objc::subclass<CNLabeledValue, "CNLabeledValue", NSObject> {

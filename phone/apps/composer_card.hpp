@@ -36,9 +36,9 @@ private:
     ModalCard m_card;
     std::vector<Field> m_fields;   // the first one is the recipients'
     std::vector<objc::ref<UILabel>> m_recipients;
-    objc::ref<UIView> m_entry;      // a message's; none in mail
+    objc::ref<UIView> m_entry;   // a message's; none in mail
     objc::ref<UILabel> m_entryHint;
-    objc::ref<UIButton> m_send;     // beside the entry
+    objc::ref<UIButton> m_send;   // beside the entry
 };
 
 // State of either class.

@@ -7,8 +7,8 @@
 
 namespace phone {
 
-struct CNContactPickerViewController : objc::subclass<CNContactPickerViewController,
-                                           "CNContactPickerViewController", UIViewController> {
+struct CNContactPickerViewController
+    : objc::subclass<CNContactPickerViewController, "CNContactPickerViewController", UIViewController> {
     using subclass::subclass;
     objc::handle delegate() const;
     void setDelegate(objc::handle delegate) const;   // not kept

@@ -62,8 +62,7 @@ ModalCard::ModalCard(UIViewController controller, std::string_view title)
     , m_title(makeText(title, 17, graphics::FontWeight::kSemibold, Color::black()))
     , m_barLine(makeHairline())
 {
-    m_dimming->setBackgroundColor(
-        UIColor::dynamic(Color::black(0.2), Color::black(0.48)));
+    m_dimming->setBackgroundColor(UIColor::dynamic(Color::black(0.2), Color::black(0.48)));
     m_card->setBackgroundColor(sheetColor());
     m_card->setClipsToBounds(true);
     m_title->setTextColor(UIColor::labelColor());
@@ -84,11 +83,10 @@ ModalCard::~ModalCard()
 
 UIButton ModalCard::addButton(Side side, std::string_view title, SEL action, Weight weight)
 {
-    auto button = objc::retain(
-        UIButton::buttonWithType(UIButton::cls(), NSInteger(UIButtonType::system)));
+    auto button = objc::retain(UIButton::buttonWithType(UIButton::cls(), NSInteger(UIButtonType::system)));
     button->setTitle(toNSString(title), ControlState::normal);
-    button->titleLabel().setFont(UIFont::systemFontOfSizeWeight(17,
-        weight == Weight::strong ? graphics::FontWeight::kSemibold : graphics::FontWeight::kRegular));
+    button->titleLabel().setFont(UIFont::systemFontOfSizeWeight(
+        17, weight == Weight::strong ? graphics::FontWeight::kSemibold : graphics::FontWeight::kRegular));
     button->addTarget(m_controller, action, ControlEvent::touchUpInside);
     m_card->addSubview(button.get());
     m_buttons.push_back({ side, button });
@@ -123,8 +121,7 @@ void ModalCard::layOut(CGRect bounds)
         button->setFrame({ { isLeft ? left : right - kButtonWidth, barTop }, { kButtonWidth, barHeight } });
     }
     m_barLine->setFrame({ { 0, barBottom - hairlineHeight() }, { bounds.size.width, hairlineHeight() } });
-    m_content->setFrame(
-        { { 0, barBottom }, { bounds.size.width, bounds.size.height - top - barBottom } });
+    m_content->setFrame({ { 0, barBottom }, { bounds.size.width, bounds.size.height - top - barBottom } });
 }
 
 void ModalCard::animate(bool presenting, std::function<void()> done) const

@@ -83,7 +83,8 @@ objc::ref<LayoutView> makeCard(std::string const& text)
 
     auto card = LayoutView::make();
     identify(card.get(), "siri");
-    for (UIView const view : { UIView(blur.get()), UIView(touchable.get()), UIView(label.get()), UIView(orb.get()) })
+    for (UIView const view :
+        { UIView(blur.get()), UIView(touchable.get()), UIView(label.get()), UIView(orb.get()) })
         card->addSubview(view);
     card->setLayout([blur, touchable, label, orb](CGRect bounds) {
         UIEdgeInsets const insets = usableInsets();
