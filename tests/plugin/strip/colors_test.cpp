@@ -1,0 +1,50 @@
+#include "plugin/strip/colors.hpp"
+
+#include "tests/support/phone_fixture.hpp"
+
+#include <ostream>
+
+namespace {
+
+struct Row {
+    char const* text;
+    unsigned rgba;   // 0xrrggbbaa
+    friend std::ostream& operator<<(std::ostream& out, Row const& row)
+    {
+        return out << '"' << row.text << '"';
+    }
+};
+
+class ColourString : public phone::CorvelTest, public testing::WithParamInterface<Row> { };
+
+TEST_P(ColourString, IsReadAsWritten)
+{
+    boot();
+    auto const component = [](int shift) -> CGFloat {
+        return static_cast<float>(GetParam().rgba >> shift & 0xff) / 255.0f;
+    };
+
+    UIColor const color = colorWithHexString(NSString::stringWithUTF8String(GetParam().text));
+
+    EXPECT_TRUE(
+        color.isEqual(UIColor::colorWithRed(component(24), component(16), component(8), component(0))))
+        << color.description().UTF8String();
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, ColourString,
+    testing::Values(Row { "#fff", 0xffffffff }, Row { "#123", 0x112233ff }, Row { "abc", 0xaabbccff },
+        Row { "#ff0000", 0xff0000ff }, Row { "ff000080", 0xff000080 }, Row { "#00FF7f01", 0x00ff7f01 },
+        Row { "##f#f#f", 0xffffffff }, Row { "#1234", 0x00001234 }, Row { "#abcde", 0x000abcde },
+        Row { "#1234567", 0x01234567 }, Row { "#123456789", 0xffffffff }, Row { "", 0 }, Row { "#", 0 },
+        Row { "0xf0", 0xf0 }, Row { "\u05D0\u05D1\u05D2", 0 }, Row { "f", 0xf },
+        Row { "#ff00f", 0x000ff00f }));
+
+class NoColourString : public phone::CorvelTest { };
+
+TEST_F(NoColourString, IsClear)
+{
+    boot();
+    EXPECT_TRUE(colorWithHexString(nullptr).isEqual(UIColor::colorWithRed(0, 0, 0, 0)));
+}
+
+}
