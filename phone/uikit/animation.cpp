@@ -223,22 +223,26 @@ void willChange(UIView view, AnimatedProperty property)
         return;
     PropertyAnimation const animation { property, presentValue(view, property), group };
     // A newer animation of the property takes over where the older one is.
-    if (running != animations.end())
-        *running = animation;
-    else
+    if (running != animations.end()) {
+        // One that repeats has no end of its own.
+        GroupPointer const older = std::exchange(*running, animation).group;
+        if (older->repeats() && ++older->cancelled >= older->recorded)
+            clock().post([older] { finish(older, false); });
+    } else {
         animations.push_back(animation);
+    }
     ++group->recorded;
+    view.viewState().animatedView = view.object;
     if (std::find(g_animatedViews.begin(), g_animatedViews.end(), view.object) == g_animatedViews.end())
         g_animatedViews.push_back(view.object);
 }
 
-void removeAllAnimations(UIView view)
+void dropAnimations(ViewState& state)
 {
-    if (!view || view.viewState().animations.empty())
+    if (state.animations.empty())
         return;
-    auto const dropped = std::move(view.viewState().animations);
-    view.viewState().animations.clear();
-    std::erase(g_animatedViews, view.object);
+    auto const dropped = std::exchange(state.animations, {});
+    std::erase(g_animatedViews, state.animatedView);
     noteDisplayChange();
     for (PropertyAnimation const& each : dropped) {
         GroupPointer const& group = each.group;
@@ -247,7 +251,11 @@ void removeAllAnimations(UIView view)
     }
 }
 
-void forgetAnimatedView(UIView view) { std::erase(g_animatedViews, view.object); }
+void removeAllAnimations(UIView view)
+{
+    if (view)
+        dropAnimations(view.viewState());
+}
 
 ViewPresentation UIView::presentation() const
 {

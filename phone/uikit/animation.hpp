@@ -32,8 +32,6 @@ bool isInsideAnimationBlock();
 
 // Animations running on any view.
 bool hasRunningAnimations();
-// Drops the record of a view that is going.
-void forgetAnimatedView(UIView view);
 // Drops those of this view (its model values show at once); their completions get false.
 void removeAllAnimations(UIView view);
 

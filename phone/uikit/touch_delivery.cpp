@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 namespace phone {
 
@@ -83,8 +82,9 @@ TouchDelivery& touchDelivery()
 
 UIView TouchDelivery::hitTest(CGPoint point) const
 {
-    auto const windows = allWindows();
-    for (UIWindow const window : std::views::reverse(windows)) {
+    auto windows = allWindows();
+    std::ranges::reverse(windows);
+    for (UIWindow const window : windows) {
         if (window.isHidden())
             continue;
         if (UIView const hit = window.sendHitTest(fromScreen(point, window)))
@@ -230,7 +230,7 @@ void TouchDelivery::lift(Finger& finger, TouchPhase phase)
 // Does a recogniser keep the touch from its view for now?
 bool TouchDelivery::isHeldBack(UITouch touch, bool atEnd) const
 {
-    return std::ranges::any_of(touch.touchState().recognizers, [touch, atEnd](auto const& recognizer) {
+    return std::ranges::any_of(touch.touchState().recognizers, [atEnd](auto const& recognizer) {
         auto const& state = recognizer->recognizerState();
         bool const isUndecided = state.isActive && recognizer->isPossible() && state.isEnabled;
         return isUndecided && (atEnd ? state.delaysTouchesEnded : state.delaysTouchesBegan);

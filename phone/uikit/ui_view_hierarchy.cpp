@@ -11,6 +11,7 @@ namespace phone {
 
 ViewState::~ViewState()
 {
+    dropAnimations(*this);
     for (auto const& child : subviews)
         child->viewState().superview = nullptr;
     for (objc::handle const recognizer : recognizers) {

@@ -84,10 +84,11 @@ void scheduleLayout()
 
 void layoutWindowsIfNeeded()
 {
-    for (UIWindow const window : allWindows()) {
-        auto const kept = objc::retain(window);
+    std::vector<objc::ref<UIWindow>> windows;
+    for (UIWindow const window : allWindows())
+        windows.push_back(objc::retain(window));
+    for (auto const& window : windows)
         layoutUntilDone(window);
-    }
 }
 
 void UIView::setNeedsLayout() const

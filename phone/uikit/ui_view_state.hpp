@@ -59,6 +59,7 @@ struct ViewState {
     objc::ref<CALayer> layerObject;
     std::uint64_t contentRevision { 0 };
     std::vector<PropertyAnimation> animations;
+    id animatedView { nullptr };   // the view itself, from its first animation on
 
     // Auto layout
     int constraintUses { 0 };   // active constraints that name this view, and stacks that arrange it
@@ -72,6 +73,8 @@ struct ViewState {
 
 // Before a setter changes the model: remembers where the property was, if an animation block is open.
 void willChange(UIView view, AnimatedProperty property);
+// Animations of a view that is going: their groups end without it.
+void dropAnimations(ViewState& state);
 AnimatedValue modelValue(UIView view, AnimatedProperty property);
 AnimatedValue presentValue(UIView view, AnimatedProperty property);
 

@@ -91,6 +91,20 @@ TEST_F(Animation, EndsUnfinishedWhenItsViewLeavesTheWindow)
     EXPECT_EQ(completions, (std::vector<bool> { false }));
 }
 
+TEST_F(Animation, EndsUnfinishedWhenItsViewGoes)
+{
+    std::vector<bool> completions;
+    {
+        auto const view = make<UIView>();
+        animate(
+            1, [raw = view.get()] { raw.setAlpha(0); },
+            [&](bool finished) { completions.push_back(finished); });
+    }
+    advance(2);
+
+    EXPECT_EQ(completions, (std::vector<bool> { false }));
+}
+
 TEST_F(Animation, RunsForAViewThatIsAddedInTheSameTurn)
 {
     auto const view = make<UIView>();
