@@ -80,9 +80,8 @@ void expectTree(Json const& actual, Json const& expected, std::string const& whe
         EXPECT_LE(std::abs(actual.get<double>() - expected.get<double>()), kTolerance)
             << where << ": " << actual << " instead of " << expected;
     } else if (expected.is_object() && actual.is_object()) {
-        std::string const inner = expected.contains("class")
-            ? where + "/" + expected["class"].get<std::string>()
-            : where;
+        std::string const inner =
+            expected.contains("class") ? where + "/" + expected["class"].get<std::string>() : where;
         for (auto const& [key, value] : expected.items()) {
             bool const isThere = actual.contains(key);
             EXPECT_TRUE(isThere) << inner << " has no " << key;
