@@ -24,6 +24,7 @@ protected:
         options.ios =
             coreFoundation > 1600 ? phone::SystemVersion { 13, 0, 0 } : phone::SystemVersion { 12, 4, 0 };
         options.coreFoundation = coreFoundation;
+        options.contacts = phone::Json::array();
         CorvelTest::boot(options);
     }
 
@@ -37,7 +38,7 @@ protected:
     void loadText(std::string const& text)
     {
         auto const written = phone::phone().root().write(
-            kSettingsPath, text.data(), text.size(), { .atomically = true, .makesFolders = true });
+            kSettingsPath, text.data(), text.size(), { .atomically = false, .makesFolders = true });
         ASSERT_TRUE(written);
         loadSettings();
     }
