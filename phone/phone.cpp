@@ -218,8 +218,10 @@ Status Phone::bootWith(BootOptions const& options, RestartState const* restart)
     AutoreleasePool const pool;
 
     m_options = options;
+    if (restart)
+        m_options.locked = true;
     m_coreFoundationNumber = options.coreFoundationNumber();
-    bootOptions() = options;
+    bootOptions() = m_options;
     Clock::Start const start =
         restart ? restart->clock : Clock::Start { .date = options.date, .timezone = options.timezone };
     if (auto const started = clock().start(start); !started)

@@ -51,12 +51,18 @@ struct ContactRow : objc::subclass<ContactRow, "CNContactPickerRow", UIControl> 
     using subclass::subclass;
     RowState& row() const { return objc::state<RowState>(*this); }
 
-    static objc::ref<ContactRow> make(std::string const& name)
+    // A name that is a number reads from left to right in every language.
+    static objc::ref<ContactRow> make(std::string const& name, bool isNumber)
     {
         auto made = phone::make<ContactRow>();
         RowState& row = made->row();
         row.label = makeText(name, 17, graphics::FontWeight::kRegular, {});
         row.label->setTextColor(UIColor::labelColor());
+        if (isNumber) {
+            row.label->setSemanticContentAttribute(NSInteger(SemanticContent::forceLeftToRight));
+            row.label->setTextAlignment(
+                NSInteger(isRightToLeft() ? NSTextAlignment::right : NSTextAlignment::left));
+        }
         row.mark = DrawnView::make({}, {});
         row.line = makeHairline();
         made->addSubview(row.label.get());
@@ -177,7 +183,9 @@ void CNContactPickerViewController::loadView() const
     state.list = make<UIScrollView>();
     state.list->setAlwaysBounceVertical(true);
     for (std::size_t i = 0; i < state.contacts.size(); ++i) {
-        auto row = ContactRow::make(nameOf(state.contacts[i]));
+        AddressBookContact const& contact = state.contacts[i];
+        bool const isNamed = !contact.firstName.empty() || !contact.lastName.empty();
+        auto row = ContactRow::make(nameOf(contact), !isNamed);
         row->setTag(NSInteger(i));
         row->addTarget(*this, objc::selector<"phone_rowTouched:">(), ControlEvent::touchUpInside);
         state.list->addSubview(row.get());

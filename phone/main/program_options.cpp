@@ -102,12 +102,12 @@ constexpr Row kRows[] {
             options.boot.direction = LayoutDirection::rightToLeft;
             return Status();
         } },
-    { "dark", nullptr, "dark appearance",
+    { "dark", nullptr, "dark appearance (the usual one)",
         [](ProgramOptions& options, Value) {
             options.boot.appearance = Appearance::dark;
             return Status();
         } },
-    { "light", nullptr, "light appearance (the usual one)",
+    { "light", nullptr, "light appearance",
         [](ProgramOptions& options, Value) {
             options.boot.appearance = Appearance::light;
             return Status();
@@ -211,6 +211,7 @@ Result<ProgramOptions> parseProgramOptions(std::vector<std::string> const& argum
 
     ProgramOptions options;
     options.boot.passcode = kUsualPasscode;
+    options.boot.appearance = Appearance::dark;
     optind = 0;   // GNU: starts anew, whatever was parsed before
     opterr = 0;
     int index = -1;

@@ -1,5 +1,6 @@
 #include "objc/define.hpp"
 #include "phone/foundation/strings.hpp"
+#include "phone/springboard/edge_swipe.hpp"
 #include "phone/springboard/lock_flow.hpp"
 #include "phone/springboard/lock_screen.hpp"
 #include "phone/springboard/passcode_pad.hpp"
@@ -50,16 +51,8 @@ struct IdleTimerController : objc::subclass<IdleTimerController, "CSIdleTimerCon
 };
 
 // The controller's view: lays the lock screen out, and takes the swipe that leaves it.
-struct SwipeState {
-    CGPoint start {};
-    bool isFollowed { false };
-};
-
 struct CoverSheetView : objc::subclass<CoverSheetView, "CSCoverSheetView", UIView> {
     using subclass::subclass;
-    static constexpr double kEdge = 44;       // points from the bottom in which a swipe up begins
-    static constexpr double kDistance = 60;   // points up that make it one
-
     void layoutSubviews() const
     {
         objc::send_super<CoverSheetView, "layoutSubviews">(*this);
@@ -70,26 +63,16 @@ struct CoverSheetView : objc::subclass<CoverSheetView, "CSCoverSheetView", UIVie
             state.passcodePad->layOut(bounds());
         }
     }
-    SwipeState& swipe() const { return objc::state<SwipeState>(*this); }
-    CGPoint pointOf(objc::handle touches) const
-    {
-        auto const touch = touches.send<"anyObject", UITouch>();
-        return touch.locationInView(*this);
-    }
-    void touchesBegan(objc::handle touches, objc::handle) const
-    {
-        CGPoint const point = pointOf(touches);
-        swipe() = { point, point.y > bounds().size.height - kEdge };
-    }
+    EdgeSwipe& swipe() const { return objc::state<EdgeSwipe>(*this); }
+    void touchesBegan(objc::handle touches, objc::handle) const { swipe().begin(*this, touches); }
     void touchesMoved(objc::handle touches, objc::handle) const
     {
-        if (!swipe().isFollowed || swipe().start.y - pointOf(touches).y < kDistance)
+        if (!swipe().isDone(*this, touches))
             return;
-        swipe().isFollowed = false;
         TraceOwnScope const own;
         requestUnlock();
     }
-    void touchesEnded(objc::handle, objc::handle) const { swipe().isFollowed = false; }
+    void touchesEnded(objc::handle, objc::handle) const { swipe().end(); }
 };
 
 // Key-value coding that answers nil where the platform's raises.
@@ -180,7 +163,7 @@ void defineCoverSheet(ClassFamily family, CoverSheetAnswer answer)
         .install();
     objc::define<IdleTimerController>().ivar<kIdleControllerKey, objc::handle>().install();
     objc::define<CoverSheetView>()
-        .state<SwipeState>()
+        .state<EdgeSwipe>()
         .method<"layoutSubviews", &CoverSheetView::layoutSubviews>()
         .method<"touchesBegan:withEvent:", &CoverSheetView::touchesBegan>()
         .method<"touchesMoved:withEvent:", &CoverSheetView::touchesMoved>()

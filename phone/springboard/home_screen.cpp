@@ -1,9 +1,11 @@
 #include "phone/springboard/home_screen.hpp"
 
 #include "objc/define.hpp"
+#include "phone/apps/applications.hpp"
 #include "phone/foundation/strings.hpp"
 #include "phone/graphics/app_icon.hpp"
 #include "phone/graphics/path.hpp"
+#include "phone/springboard/edge_swipe.hpp"
 #include "phone/springboard/lock_screen_layout.hpp"
 #include "phone/springboard/scene_parts.hpp"
 #include "phone/springboard/springboard_state.hpp"
@@ -48,6 +50,14 @@ struct HomeView : objc::subclass<HomeView, "SBHomeScreenView", UIView> {
         if (auto const& home = springBoard().home)
             home->layOut();
     }
+    EdgeSwipe& swipe() const { return objc::state<EdgeSwipe>(*this); }
+    void touchesBegan(objc::handle touches, objc::handle) const { swipe().begin(*this, touches); }
+    void touchesMoved(objc::handle touches, objc::handle) const
+    {
+        if (swipe().isDone(*this, touches))
+            launchApplication(kSpringBoardIdentifier);
+    }
+    void touchesEnded(objc::handle, objc::handle) const { swipe().end(); }
 };
 
 struct HomeController : objc::subclass<HomeController, "SBHomeScreenViewController", UIViewController> {
@@ -85,10 +95,8 @@ HomeScreenScene::HomeScreenScene(UIView root)
         m_icons.push_back(std::move(icon));
     }
     m_statusBar = std::make_unique<StatusBar>(root, StatusBarLeading::time);
-    m_homeIndicator = DrawnView::make({}, [](DrawContext& context, CGRect bounds) {
-        graphics::addCapsule(context.cairo, toGraphics(bounds));
-        graphics::fill(context.cairo, graphics::Color::white());
-    });
+    m_homeIndicator = DrawnView::make({}, {});
+    setForeground(graphics::Color::white());
     identify(m_homeIndicator, "home indicator");
     root.addSubview(m_homeIndicator);
 }
@@ -138,11 +146,22 @@ void HomeScreenScene::layOutIcons(CGRect bounds)
 
 void HomeScreenScene::updateClock() { m_statusBar->updateClock(); }
 
+void HomeScreenScene::setForeground(graphics::Color const& color)
+{
+    m_statusBar->setColor(color);
+    m_homeIndicator->setDraw([color](DrawContext& context, CGRect bounds) {
+        graphics::addCapsule(context.cairo, toGraphics(bounds));
+        graphics::fill(context.cairo, color);
+    });
+}
+
 void HomeScreenScene::setCard(objc::ref<UIView> card)
 {
     if (m_card)
         m_card->removeFromSuperview();
     m_card = std::move(card);
+    // On the wallpaper white; on a card as its text.
+    setForeground(m_card && !isDark() ? graphics::Color::black() : graphics::Color::white());
     if (!m_card)
         return;
     m_card->setFrame(m_root.bounds());
@@ -151,7 +170,14 @@ void HomeScreenScene::setCard(objc::ref<UIView> card)
 
 void defineHomeScreen()
 {
-    objc::define<HomeView>().method<"layoutSubviews", &HomeView::layoutSubviews>().install();
+    objc::define<HomeView>()
+        .state<EdgeSwipe>()
+        .method<"layoutSubviews", &HomeView::layoutSubviews>()
+        .method<"touchesBegan:withEvent:", &HomeView::touchesBegan>()
+        .method<"touchesMoved:withEvent:", &HomeView::touchesMoved>()
+        .method<"touchesEnded:withEvent:", &HomeView::touchesEnded>()
+        .method<"touchesCancelled:withEvent:", &HomeView::touchesEnded>()
+        .install();
     objc::define<HomeController>().method<"loadView", &HomeController::loadView>().install();
 }
 

@@ -1,5 +1,5 @@
-// HomeScreenScene: icons in a grid over the wallpaper, a dock, and the card of an application that was opened.
-// Main thread.
+// HomeScreenScene: icons in a grid over the wallpaper, a dock, and the card of an application that was opened,
+// which a swipe up from the lower edge puts away. Main thread.
 #pragma once
 
 #include "phone/uikit/drawn_view.hpp"
@@ -34,6 +34,7 @@ private:
     };
 
     void layOutIcons(CGRect bounds);
+    void setForeground(graphics::Color const& color);   // status bar and home indicator
 
     UIView m_root;
     objc::ref<DrawnView> m_wallpaper;

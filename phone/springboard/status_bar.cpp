@@ -16,12 +16,11 @@ constexpr double kBatteryLevel = 0.78;
 // Signal, wifi, battery from left to right in 74 x 14 points.
 constexpr graphics::Size kSignsSize { 74, 14 };
 
-void drawSigns(DrawContext& context)
+void drawSigns(DrawContext& context, graphics::Color const& color)
 {
-    graphics::Color const white = graphics::Color::white();
-    graphics::drawSignalBars(context.cairo, { 0, 1.5, 18, 11.5 }, 4, white);
-    graphics::drawWifi(context.cairo, { 24, 1, 17, 12 }, 3, white);
-    graphics::drawBattery(context.cairo, { 47, 1, 27, 12.5 }, kBatteryLevel, white);
+    graphics::drawSignalBars(context.cairo, { 0, 1.5, 18, 11.5 }, 4, color);
+    graphics::drawWifi(context.cairo, { 24, 1, 17, 12 }, 3, color);
+    graphics::drawBattery(context.cairo, { 47, 1, 27, 12.5 }, kBatteryLevel, color);
 }
 
 }
@@ -30,14 +29,21 @@ StatusBar::StatusBar(UIView superview, StatusBarLeading leading)
     : m_leading(leading)
     , m_view(NamedView<"UIStatusBar_Modern">::make())
     , m_text(makeText(kCarrier, 15, graphics::FontWeight::kMedium, graphics::Color::white()))
-    , m_signs(DrawnView::make({}, [](DrawContext& context, CGRect) { drawSigns(context); }))
+    , m_signs(DrawnView::make({}, {}))
 {
     identify(m_signs, "signal, wifi, battery");
     m_view->setUserInteractionEnabled(false);
     m_view->addSubview(m_text);
     m_view->addSubview(m_signs);
     superview.addSubview(m_view);
+    setColor(graphics::Color::white());
     updateClock();
+}
+
+void StatusBar::setColor(graphics::Color const& color)
+{
+    m_text->setTextColor(UIColor::of(color));
+    m_signs->setDraw([color](DrawContext& context, CGRect) { drawSigns(context, color); });
 }
 
 void StatusBar::layOut(graphics::Rect frame, double screenWidth)

@@ -16,6 +16,7 @@ public:
     // `frame` is the space at the top, with the notch in its middle on phones that have one.
     void layOut(graphics::Rect frame, double screenWidth);
     void updateClock();
+    void setColor(graphics::Color const& color);   // white at first
     UIView view() const { return m_view; }
 
 private:

@@ -268,6 +268,18 @@ Json textOf(UIView view)
     return text ? Json(toString(text)) : Json();
 }
 
+// Objects lose what names them in this run alone.
+void dropHandles(Json& value)
+{
+    if (value.is_object() && value.contains("handle")) {
+        value.erase("handle");
+        value.erase("description");
+    }
+    if (value.is_structured())
+        for (Json& each : value)
+            dropHandles(each);
+}
+
 // The bounding box, as UIView's frame is.
 CGRect frameOf(ViewPresentation const& values)
 {
@@ -302,8 +314,11 @@ Json viewTree(UIView view, ViewTreeOptions const& options)
     }
     tree["hidden"] = bool(view.isHidden());
     tree["text"] = textOf(view);
-    if (options.detail)
+    if (options.detail) {
         addDetail(tree, view);
+        if (!options.handles)
+            dropHandles(tree);
+    }
     Json children = Json::array();
     for (UIView const child : view.children())
         children.push_back(viewTree(child, options));

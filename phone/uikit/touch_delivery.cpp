@@ -270,6 +270,9 @@ void TouchDelivery::settle()
     // Recognisers keep the touches they still need; one that waits for a second tap gets a new one.
     std::erase_if(
         m_fingers, [](auto const& finger) { return finger->isLifted && finger->content == Content::done; });
+    // A touch keeps its view and window: one that is over must not keep a prompt's window on the screen.
+    if (m_fingers.empty() && m_event)
+        m_event->eventState().touches.clear();
 }
 
 bool TouchDelivery::hasBegunInView(UITouch touch) const

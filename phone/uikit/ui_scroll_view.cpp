@@ -235,6 +235,7 @@ void UIScrollView::handlePan(UIPanGestureRecognizer pan) const
             offset.y =
                 draggedOffset(state.wantedAtStart.y - moved.y, verticalRange(), size.height, state.bounces);
         applyOffset(offset);
+        showScrollIndicators(*this);
         return;
     }
     case GestureState::ended:
@@ -335,6 +336,7 @@ bool UIScrollView::runMotion(double now) const
     FrameObserverId const mine = state.frames;
     double const seconds = now - state.motionStart;
     applyOffset({ state.horizontal.at(seconds), state.vertical.at(seconds) });
+    showScrollIndicators(*this);
     // The delegate may have stopped it, or begun another.
     if (state.frames != mine)
         return false;
@@ -366,6 +368,7 @@ bool UIScrollView::scrollByWheel(double dx, double dy) const
     if (to == from)
         return false;
     setContentOffset(to);
+    showScrollIndicators(*this);
     if (state.isPagingEnabled)
         state.wheelEnd = clock().at(kWheelPause, 0, [weak = Weak(*this)] {
             AutoreleasePool const pool;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "phone/kernel/clock.hpp"
+#include "phone/uikit/scroll_indicators.hpp"
 #include "phone/uikit/scroll_motion.hpp"
 #include "phone/uikit/ui_pan_gesture_recognizer.hpp"
 
@@ -34,6 +35,7 @@ struct ScrollState {
     double motionStart { 0 };   // seconds on the phone's clock
     FrameObserverId frames {};
     TimerId wheelEnd {};   // after which a paging view settles on a page
+    ScrollIndicators indicators;
 };
 
 struct UIScrollView : objc::subclass<UIScrollView, "UIScrollView", UIView> {

@@ -3,6 +3,8 @@
 #include "phone/graphics/path.hpp"
 #include "phone/graphics/text.hpp"
 
+#include <algorithm>
+
 namespace phone {
 
 namespace {
@@ -17,12 +19,14 @@ constexpr double kKeyColumn = 66;
 
 }
 
-graphics::Size legendSize(std::vector<LegendRow> const& rows)
+graphics::Size Legend::size() const
 {
-    return { kWidth, kTitleHeight + static_cast<double>(rows.size()) * kRowHeight };
+    std::size_t const perColumn = (rows.size() + columns - 1) / columns;
+    return { static_cast<double>(columns) * kWidth,
+        kTitleHeight + static_cast<double>(perColumn) * kRowHeight };
 }
 
-void drawLegend(cairo_t* cairo, graphics::Point origin, std::vector<LegendRow> const& rows)
+void Legend::draw(cairo_t* cairo, graphics::Point origin) const
 {
     using graphics::Color;
     graphics::TextStyle title;
@@ -35,18 +39,19 @@ void drawLegend(cairo_t* cairo, graphics::Point origin, std::vector<LegendRow> c
     graphics::TextStyle textStyle;
     textStyle.font = graphics::systemFont(13);
     textStyle.alignment = graphics::TextAlignment::left;
-    double y = origin.y + kTitleHeight;
-    for (LegendRow const& row : rows) {
-        double const width = std::max(kKeyHeight, graphics::measureText(row.key, keyStyle).width + 14);
-        graphics::Rect const key { origin.x, y, width, kKeyHeight };
+    std::size_t const perColumn = (rows.size() + columns - 1) / columns;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        double const x = origin.x + static_cast<double>(i / perColumn) * kWidth;
+        double const y = origin.y + kTitleHeight + static_cast<double>(i % perColumn) * kRowHeight;
+        double const width = std::max(kKeyHeight, graphics::measureText(rows[i].key, keyStyle).width + 14);
+        graphics::Rect const key { x, y, width, kKeyHeight };
         graphics::addRoundedRect(cairo, key, 5);
         graphics::fill(cairo, Color::white(1, 0.12));
         graphics::addRoundedRect(cairo, key.inset(0.5, 0.5), 4.5);
         graphics::stroke(cairo, Color::white(1, 0.22), 1);
-        graphics::drawText(cairo, row.key, keyStyle, key, Color::white(0.95));
-        graphics::drawText(cairo, row.text, textStyle,
-            { origin.x + kKeyColumn, y, kWidth - kKeyColumn, kKeyHeight }, Color::white(0.75));
-        y += kRowHeight;
+        graphics::drawText(cairo, rows[i].key, keyStyle, key, Color::white(0.95));
+        graphics::drawText(cairo, rows[i].text, textStyle,
+            { x + kKeyColumn, y, kWidth - kKeyColumn - 8, kKeyHeight }, Color::white(0.75));
     }
 }
 

@@ -1,4 +1,4 @@
-// The legend beside the phone: which key does what. Main thread.
+// The legend beside or under the phone: which key does what. Main thread.
 #pragma once
 
 #include "phone/graphics/geometry.hpp"
@@ -15,9 +15,13 @@ struct LegendRow {
     std::string text;
 };
 
-// Points that the legend takes.
-graphics::Size legendSize(std::vector<LegendRow> const& rows);
+// Under its title the rows go down in columns, filled one after the other.
+struct Legend {
+    std::vector<LegendRow> rows;
+    std::size_t columns { 1 };
 
-void drawLegend(cairo_t* cairo, graphics::Point origin, std::vector<LegendRow> const& rows);
+    graphics::Size size() const;   // points
+    void draw(cairo_t* cairo, graphics::Point origin) const;
+};
 
 }

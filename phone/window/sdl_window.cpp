@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <optional>
 
 namespace phone {
@@ -31,20 +32,22 @@ constexpr int kIdleMilliseconds = 40;    // while nothing does: timers are still
 constexpr double kDesktopBars = 80;      // pixels that the desktop's bars and a title take, about
 constexpr double kDotsPerScale = 96;     // dots per inch of a display at scale 1
 
-std::vector<LegendRow> const& legendRows()
+constexpr std::size_t kColumnsUnder = 3;   // of the legend under a phone that lies on its side
+
+Legend legendIn(std::size_t columns)
 {
-    static std::vector<LegendRow> const rows {
-        { "mouse", "the finger" },
-        { "wheel", "scrolls the strip" },
-        { "L", "side button: lock" },
-        { "U", "swipe up: unlock" },
-        { "P", "enter the passcode" },
-        { "esc", "cancel the passcode" },
-        { "R", "rotate" },
-        { "M", "music on and off" },
-        { "Q", "quit" },
-    };
-    return rows;
+    return { {
+                 { "mouse", "the finger" },
+                 { "wheel", "scrolls the strip" },
+                 { "L", "side button: lock" },
+                 { "U", "swipe up: unlock" },
+                 { "P", "enter the passcode" },
+                 { "esc", "cancel the passcode" },
+                 { "R", "rotate" },
+                 { "M", "music on and off" },
+                 { "Q", "quit" },
+             },
+        columns };
 }
 
 struct WindowDeleter {
@@ -69,14 +72,34 @@ struct PhoneWindow::Parts {
             SDL_Quit();
     }
 
-    // Where things are, in points, for the present orientation.
+    // Where things are, in points, for the present orientation: the legend stands beside an upright phone,
+    // and under one that lies on its side.
+    bool isLandscape() const { return orientation >= 3; }
     Size contentSize() const
     {
-        Size const legend = legendSize(legendRows());
-        return { frame->size().width + 3 * kMargin + legend.width,
-            std::max(frame->size().height, legend.height) + 2 * kMargin };
+        Size const device = frame->size();
+        Size const keys = legend.size();
+        if (isLandscape())
+            return { std::max(device.width, keys.width) + 2 * kMargin,
+                device.height + keys.height + 3 * kMargin };
+        return { device.width + keys.width + 3 * kMargin,
+            std::max(device.height, keys.height) + 2 * kMargin };
     }
-    Point deviceOrigin() const { return { kMargin, (contentSize().height - frame->size().height) / 2 }; }
+    Point deviceOrigin() const
+    {
+        Size const content = contentSize();
+        if (isLandscape())
+            return { (content.width - frame->size().width) / 2, kMargin };
+        return { kMargin, (content.height - frame->size().height) / 2 };
+    }
+    Point legendOrigin() const
+    {
+        Size const content = contentSize();
+        Size const keys = legend.size();
+        if (isLandscape())
+            return { (content.width - keys.width) / 2, content.height - kMargin - keys.height };
+        return { content.width - kMargin - keys.width, (content.height - keys.height) / 2 };
+    }
     Rect screenRect() const { return frame->screen().offset(deviceOrigin().x, deviceOrigin().y); }
 
     // Window coordinates are logical pixels; where the desktop scales, the output has more.
@@ -113,15 +136,18 @@ struct PhoneWindow::Parts {
     void layOut()
     {
         frame.emplace(portrait, orientation);
+        legend = legendIn(isLandscape() ? kColumnsUnder : 1);
         double const scale = unitsPerPoint();
         Size const content = contentSize();
         int const width = static_cast<int>(std::lround(content.width * scale));
         int const height = static_cast<int>(std::lround(content.height * scale));
-        if (!window)
+        if (!window) {
             window.reset(SDL_CreateWindow("Corvel", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width,
                 height, SDL_WINDOW_ALLOW_HIGHDPI));
-        else
+        } else {
             SDL_SetWindowSize(window.get(), width, height);
+            SDL_SetWindowPosition(window.get(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        }
         chrome = {};
     }
 
@@ -145,10 +171,7 @@ struct PhoneWindow::Parts {
         auto const context = chrome.newContext();
         graphics::addRect(context.get(), chrome.bounds());
         graphics::fill(context.get(), graphics::Color::hex(0x26262b));
-        Size const legend = legendSize(legendRows());
-        drawLegend(context.get(),
-            { contentSize().width - kMargin - legend.width, (contentSize().height - legend.height) / 2 },
-            legendRows());
+        legend.draw(context.get(), legendOrigin());
         cairo_translate(context.get(), deviceOrigin().x, deviceOrigin().y);
         frame->drawBody(context.get());
         return true;
@@ -263,6 +286,7 @@ struct PhoneWindow::Parts {
     bool needsDraw { true };
     bool wantsRestart { false };
     std::optional<DeviceFrame> frame;
+    Legend legend;
     std::unique_ptr<SDL_Window, WindowDeleter> window;
     std::unique_ptr<SDL_Renderer, RendererDeleter> output;
     std::unique_ptr<SDL_Texture, TextureDeleter> texture;
@@ -277,12 +301,21 @@ PhoneWindow::~PhoneWindow() = default;
 
 Status PhoneWindow::open(Size portrait)
 {
+    // SDL would otherwise fall back on a screen that nobody sees, or take over the console.
+    auto const isSet = [](char const* name) {
+        char const* const value = std::getenv(name);
+        return value && *value;
+    };
+    if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("SDL_VIDEODRIVER"))
+        return Error { "there is no display here for a window" };
+    if (!isSet("SDL_VIDEODRIVER"))
+        SDL_SetHint(SDL_HINT_VIDEODRIVER, isSet("DISPLAY") ? "x11,wayland" : "wayland");
     auto parts = std::make_unique<Parts>();
     parts->portrait = portrait;
     SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
     if (SDL_Init(SDL_INIT_VIDEO) != 0)
-        return Error { "there is no display for a window" };
+        return Error { "the display for a window does not answer" };
     parts->isSdlUp = true;
     parts->layOut();
     if (!parts->window)

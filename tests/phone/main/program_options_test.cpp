@@ -16,6 +16,7 @@ TEST(ProgramOptions, HaveUsualValues)
     EXPECT_EQ(options->boot.ios, (SystemVersion { 16, 1 }));
     EXPECT_EQ(options->boot.width, 390);
     EXPECT_EQ(options->boot.passcode, kUsualPasscode);
+    EXPECT_EQ(options->boot.appearance, Appearance::dark);
     EXPECT_TRUE(options->boot.locked);
     EXPECT_FALSE(options->root);
     EXPECT_FALSE(options->shot);
@@ -24,7 +25,7 @@ TEST(ProgramOptions, HaveUsualValues)
 TEST(ProgramOptions, ReadEveryOption)
 {
     auto const options = parseProgramOptions(
-        { "--ios", "15.4.1", "--size=375x812", "--scale", "2", "--language", "he", "--rtl", "--dark",
+        { "--ios", "15.4.1", "--size=375x812", "--scale", "2", "--language", "he", "--rtl", "--light",
             "--landscape", "--unlocked", "--passcode", "0000", "--music", "--date", "2026-01-02T03:04",
             "--timezone", "Europe/Istanbul", "--root", "/tmp/a", "--contacts", "b.vcf", "--plugin", "c.so",
             "--plugin", "d.so", "--no-activator", "--trace", "--shot", "e.png", "--frame" });
@@ -36,7 +37,7 @@ TEST(ProgramOptions, ReadEveryOption)
     EXPECT_EQ(options->boot.scale, 2);
     EXPECT_EQ(options->boot.language, "he");
     EXPECT_EQ(options->boot.direction, LayoutDirection::rightToLeft);
-    EXPECT_EQ(options->boot.appearance, Appearance::dark);
+    EXPECT_EQ(options->boot.appearance, Appearance::light);
     EXPECT_EQ(options->orientation, 3);
     EXPECT_FALSE(options->boot.locked);
     EXPECT_EQ(options->boot.passcode, "0000");

@@ -126,10 +126,13 @@ TEST_F(Collection, BuildsOnlyWhatIsInSight)
     EXPECT_EQ(visibleItems(), (Items { 0, 1, 2, 3, 4 }));
     EXPECT_EQ(source().built.size(), 5u);
     EXPECT_EQ(source().sizeQuestions, 5000);
-    EXPECT_EQ(view.contentSize(), (CGSize { 355000, 76.7 }));
+    EXPECT_EQ(view.contentSize().width, 355000);
+    EXPECT_NEAR(view.contentSize().height, 76.7, 1e-9);
     EXPECT_EQ(view.visibleCells().count(), 5u);
-    EXPECT_EQ(view.cellForItemAtIndexPath(NSIndexPath::of({ 0, 2 })).frame(),
-        CGRectMake(142, (76.7 - 65) / 2, 71, 65));
+    CGRect const third = view.cellForItemAtIndexPath(NSIndexPath::of({ 0, 2 })).frame();
+    EXPECT_EQ(third.origin.x, 142);
+    EXPECT_NEAR(third.origin.y, (76.7 - 65) / 2, 1e-9);
+    EXPECT_EQ(third.size, (CGSize { 71, 65 }));
     EXPECT_FALSE(view.cellForItemAtIndexPath(NSIndexPath::of({ 0, 7 })));
 }
 

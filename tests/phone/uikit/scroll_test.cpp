@@ -256,6 +256,43 @@ TEST_F(Scroll, StaysInsideAContentThatShrinks)
     EXPECT_DOUBLE_EQ(x(), 0);
 }
 
+TEST_F(Scroll, ShowsABarWhileItMoves)
+{
+    auto const bars = [this] { return scroll().children().size(); };
+    scroll().setContentOffset({ 100, 0 });
+    EXPECT_EQ(bars(), 0u);
+
+    touchDelivery().wheel({ 100, 140 }, 545, 0);
+    ASSERT_EQ(bars(), 1u);
+    CGRect const frame = scroll().children().front().frame();
+    EXPECT_NEAR(maxX(frame), 645 + 352, 1e-9);
+    EXPECT_NEAR(frame.size.width, 349 * 0.355, 1e-9);
+    EXPECT_EQ(maxY(frame), 77);
+    advance(0.6);
+    EXPECT_EQ(bars(), 1u);
+    advance(0.3);
+    EXPECT_EQ(bars(), 0u);
+
+    scroll().setShowsHorizontalScrollIndicator(false);
+    touchDelivery().wheel({ 100, 140 }, -100, 0);
+    EXPECT_EQ(bars(), 0u);
+}
+
+TEST(ScrollIndicator, IsPressedTogetherPastAnEnd)
+{
+    IndicatorSpan const atStart = indicatorSpan(0, 0, 1000, 500);
+    IndicatorSpan const pulled = indicatorSpan(-50, 0, 1000, 500);
+    IndicatorSpan const pushed = indicatorSpan(1050, 0, 1000, 500);
+
+    EXPECT_EQ(atStart.start, 3);
+    EXPECT_EQ(pulled.start, 3);
+    EXPECT_EQ(pulled.length, atStart.length - 50);
+    EXPECT_EQ(pushed.start + pushed.length, 497);
+    EXPECT_EQ(indicatorSpan(0, 0, 1e9, 500).length, 36);
+    EXPECT_EQ(indicatorSpan(-1e6, 0, 1e9, 500).length, 7);
+    EXPECT_EQ(indicatorSpan(0, 0, 100, 4).length, 0);
+}
+
 // The size used to drift, a rounding error a step.
 TEST_F(Scroll, KeepsItsSize)
 {
