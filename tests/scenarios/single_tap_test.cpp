@@ -1,52 +1,12 @@
 // The eight actions of a single tap, by touches alone, on five systems: on a phone without a passcode, behind
 // one, and with nothing to reach the contact by.
-#include "tests/scenarios/story.hpp"
+#include "tests/scenarios/actions.hpp"
 
 namespace phone {
 
 namespace {
 
-constexpr char const* kVersions[] { "12.4", "13.7", "14.8", "15.4", "16.1" };
 constexpr int kCodes = 8;
-
-enum class Group { call, messagingApp, composer };
-
-Group groupOf(int code)
-{
-    if (code == 0 || code == 6)
-        return Group::call;
-    return code == 5 || code == 7 ? Group::composer : Group::messagingApp;
-}
-
-// What the action itself does on Anna, without confirmation.
-Effects actionOf(int code)
-{
-    switch (code) {
-    case 0: return { "openURL tel:+44207946-0958", "completion yes" };
-    case 1: return { "openURL whatsapp://send?phone=+44207946-0958", "completion yes" };
-    case 2: return { "openURL tg://msg?&to=+442079460958", "completion yes" };
-    case 3: return { "siri call +44 20 7946-0958 in whatsapp" };
-    case 4: return { "siri call +44 20 7946-0958 in telegram" };
-    case 5:
-        return { "canSend MFMessageComposeViewController yes", "hold CVL",
-            "MFMessageComposeViewControllerCVL setMessageComposeDelegate:(CVLView)",
-            "MFMessageComposeViewControllerCVL setRecipients:([\"+44 20 7946-0958\"])",
-            "MFMessageComposeViewControllerCVL becomeFirstResponder()",
-            "present MFMessageComposeViewControllerCVL" };
-    case 6: return { "openURL facetime:+44207946-0958", "release CVL", "completion yes" };
-    default:
-        return { "canSend MFMailComposeViewControllerCVL yes", "hold CVL",
-            "MFMailComposeViewControllerCVL setMailComposeDelegate:(CVLView)",
-            "MFMailComposeViewControllerCVL setToRecipients:([\"anna@example.com\"])",
-            "present MFMailComposeViewControllerCVL" };
-    }
-}
-
-Effects operator+(Effects first, Effects const& second)
-{
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
 
 struct Case {
     std::string version;
@@ -58,7 +18,7 @@ void PrintTo(Case const& each, std::ostream* stream) { *stream << each.version <
 std::vector<Case> cases()
 {
     std::vector<Case> all;
-    for (char const* const version : kVersions)
+    for (char const* const version : kStoryVersions)
         for (int code = 0; code < kCodes; ++code)
             all.push_back({ version, code });
     return all;
@@ -66,9 +26,7 @@ std::vector<Case> cases()
 
 std::string nameOf(testing::TestParamInfo<Case> const& info)
 {
-    std::string version = info.param.version;
-    version[version.find('.')] = '_';
-    return "iOS" + version + "Code" + std::to_string(info.param.code);
+    return versionName(info.param.version) + "Code" + std::to_string(info.param.code);
 }
 
 }
@@ -76,6 +34,9 @@ std::string nameOf(testing::TestParamInfo<Case> const& info)
 class SingleTap : public Story, public testing::WithParamInterface<Case> {
 protected:
     static int code() { return GetParam().code; }
+    static bool opensApp() { return actionOfTap(code()).group == ActionGroup::messagingApp; }
+    static bool isCall() { return actionOfTap(code()).group == ActionGroup::call; }
+    static Effects action() { return actionOfTap(code()).atOnce + actionOfTap(code()).later; }
 
     static void bootPhone(bool hasPasscode, bool validates = false, Json contact = annasEntry())
     {
@@ -102,13 +63,13 @@ TEST_P(SingleTap, RunsAtOnceOnAPhoneWithoutPasscode)
     bootPhone(false);
 
     Effects const start { "sound 1519", "passcodeTest no" };
-    Effects expected = start + actionOf(code());
-    if (groupOf(code()) == Group::messagingApp) {
+    Effects expected = start + action();
+    if (opensApp()) {
         Effects const unlocked { "unlockRequest", "lock unlockFinished", "lock willDismiss" };
-        expected = start + unlocked + actionOf(code()) + Effects { "lock dismissed" };
+        expected = start + unlocked + action() + Effects { "lock dismissed" };
     }
     EXPECT_EQ(tapped(), expected);
-    EXPECT_EQ(phone().isLocked(), groupOf(code()) != Group::messagingApp);
+    EXPECT_EQ(phone().isLocked(), !opensApp());
 }
 
 TEST_P(SingleTap, DoesNothingWithoutATarget)
@@ -136,13 +97,13 @@ TEST_P(SingleTap, WaitsForThePasscode)
     wait();
 
     Effects expected { "passcode accepted" };
-    if (groupOf(code()) == Group::messagingApp)
-        expected = expected + Effects { "lock unlockFinished", "lock willDismiss" } + actionOf(code())
+    if (opensApp())
+        expected = expected + Effects { "lock unlockFinished", "lock willDismiss" } + action()
             + Effects { "passcode disappeared", "lock dismissed" };
     else
-        expected = expected + actionOf(code()) + Effects { "passcode disappeared" };
+        expected = expected + action() + Effects { "passcode disappeared" };
     EXPECT_EQ(effects(), expected);
-    EXPECT_EQ(phone().isLocked(), groupOf(code()) != Group::messagingApp);
+    EXPECT_EQ(phone().isLocked(), !opensApp());
     EXPECT_FALSE(phone().isPasscodeLocked());
 }
 
@@ -151,8 +112,8 @@ TEST_P(SingleTap, CallsAtOnceBehindAPasscodeUnlessValidating)
     bootPhone(true, false);
 
     Effects const start { "sound 1519", "passcodeTest yes" };
-    if (groupOf(code()) == Group::call)
-        EXPECT_EQ(tapped(), start + actionOf(code()));
+    if (isCall())
+        EXPECT_EQ(tapped(), start + action());
     else
         EXPECT_EQ(tapped(), start + Effects({ "unlockRequest", "passcode shown" }));
 }

@@ -1,12 +1,16 @@
 #include "tests/scenarios/story.hpp"
 
 #include "phone/foundation/strings.hpp"
+#include "phone/main/restart_file.hpp"
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/uikit/touch_delivery.hpp"
 #include "phone/uikit/ui_alert_controller.hpp"
 #include "phone/uikit/ui_button.hpp"
 #include "phone/uikit/ui_label.hpp"
 #include "tests/support/fork_runner.hpp"
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
@@ -16,6 +20,9 @@ void warmUpTests() { phone::Phone::warmUp(); }
 namespace phone {
 
 namespace {
+
+// The disk of a phone that ended in a respring; the one that comes up is a guest there.
+std::filesystem::path g_leftRoot;
 
 std::size_t g_told = 0;   // events of the trace that effects() has told already
 
@@ -124,7 +131,12 @@ Json emptyEntry()
         { "contactPhoneNumber", "" }, { "contactEmail", "" } };
 }
 
-Story::~Story() { phone().close(); }
+Story::~Story()
+{
+    phone().close();
+    if (!g_leftRoot.empty())
+        std::filesystem::remove_all(g_leftRoot);
+}
 
 BootOptions Story::options(std::string const& version, Json settings, Json contacts)
 {
@@ -146,6 +158,50 @@ void Story::boot(BootOptions const& options)
     forget();
 }
 
+std::size_t Story::bootAfterRespring(BootOptions const& options, std::function<void()> const& story)
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        return 0;
+    std::fflush(nullptr);
+    pid_t const child = fork();
+    if (child == 0) {
+        boot(options);
+        phone().setRestartHandler([&ends] {
+            auto const file = writeRestartFile(phone().restartState());
+            std::string const path = file ? file->string() : "";
+            bool const isTold = write(ends[1], path.data(), path.size()) == ssize_t(path.size());
+            std::fflush(nullptr);
+            _exit(HasFailure() || !isTold ? 1 : 0);
+        });
+        story();
+        ADD_FAILURE() << "the phone did not restart";
+        std::fflush(nullptr);
+        _exit(1);
+    }
+    close(ends[1]);
+    std::string path;
+    char letter;
+    while (read(ends[0], &letter, 1) == 1)
+        path += letter;
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << "the phone before the respring failed";
+    auto const state = takeRestartFile(path);
+    if (!state) {
+        ADD_FAILURE() << state.message();
+        return 0;
+    }
+    g_leftRoot = state->root;
+    phone().usePluginFolders({ std::filesystem::path(CORVEL_PLUGIN).parent_path() });
+    Status const booted = phone().boot(options, *state);
+    EXPECT_TRUE(booted) << booted.message();
+    wait(0.5);
+    forget();
+    return state->events.size();
+}
+
 void Story::touch(UIView view)
 {
     ASSERT_TRUE(view) << "there is nothing to touch";
@@ -159,7 +215,7 @@ void Story::hold(UIView view, double seconds)
     phone().touchDown(point);
     wait(seconds);
     phone().touchUp(point);
-    phone().clock().runLoopTurn();
+    wait(0);
 }
 
 void Story::typePasscode(std::string const& code)
@@ -184,7 +240,9 @@ UIView Story::contactButton(std::size_t index)
     std::vector<UIView> views;
     collect(phone().strip(), views);
     std::erase_if(views, [](UIView view) { return !isKind(view, "CVLButton"); });
-    std::ranges::sort(views, {}, [](UIView view) { return middleOnScreen(view).x; });
+    // In the order of the list: from the leading side on.
+    double const way = bootOptions().isRightToLeft() ? -1 : 1;
+    std::ranges::sort(views, {}, [way](UIView view) { return way * middleOnScreen(view).x; });
     return index < views.size() ? views[index] : UIView {};
 }
 

@@ -2,10 +2,12 @@
 // see, and what came of it in short lines. Each test runs in a process of its own and boots there.
 #pragma once
 
+#include "phone/kernel/services.hpp"
 #include "phone/phone.hpp"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,6 +29,9 @@ protected:
     static BootOptions options(std::string const& version, Json settings = Json::object(),
         Json contacts = Json::array({ annasEntry() }));
     static void boot(BootOptions const& options);
+    // Boots a phone in a process of its own and tells the story there, which has to end in a respring; then
+    // boots the phone that comes up. Answers how many events the trace had before.
+    static std::size_t bootAfterRespring(BootOptions const& options, std::function<void()> const& story);
 
     // The finger. A view that is not there fails the test.
     static void touch(UIView view);

@@ -1,0 +1,266 @@
+// Picking contacts, from the empty strip's button to the phone that comes up with the new list.
+#include "tests/scenarios/actions.hpp"
+
+#include "phone/foundation/strings.hpp"
+#include "phone/kernel/date.hpp"
+#include "phone/springboard/starter_set.hpp"
+
+namespace phone {
+
+namespace {
+
+constexpr char kWrite[] = "write /var/jb/var/mobile/Library/Preferences/com.orvane.corvellist.plist";
+constexpr char kSpawn[] = "spawn /var/jb/usr/bin/killall killall backboardd";
+
+Json person(std::string const& first, std::string const& last, Json more = Json::object())
+{
+    Json entry { { "contactFirstName", first }, { "contactLastName", last },
+        { "contactUniqueIdentifier", "id-" + first + last } };
+    entry.update(more);
+    return entry;
+}
+
+Json people()
+{
+    return Json::array({
+        person("Ada", "Lund",
+            { { "contactPhoneNumber",
+                  { { { "label", "mobile" }, { "value", "+44 20 7946 0321" } }, "+1 555 0100" } },
+                { "contactBirthday", { { "day", 9 }, { "month", 3 }, { "year", 1990 } } } }),
+        person("Bora", "", { { "contactEmail", { "bora@example.com", "second@example.com" } } }),
+        person("", "Taxi",
+            { { "contactImage", { { "data", "aW1hZ2U=" } } }, { "thumbnail", { { "data", "dGh1bWI=" } } } }),
+        person("Dina", "Kohen", { { "contactBirthday", { { "day", 29 }, { "month", 2 } } } }),
+        person("Emre", "Su",
+            { { "contactBirthday",
+                { { "day", 1 }, { "month", 1 }, { "year", 2000 }, { "calendar", nullptr } } } }),
+    });
+}
+
+}
+
+class Picker : public Story, public testing::WithParamInterface<char const*> {
+protected:
+    static BootOptions emptyStrip() { return options(GetParam(), Json::object(), Json::array()); }
+
+    static void openPicker()
+    {
+        ASSERT_TRUE(phone().setAddressBook(people()));
+        touch(addButton());
+        wait();
+    }
+    static UIView addButton()
+    {
+        for (UIView const view : visibleViews())
+            if (view.isDescendantOfView(phone().strip())
+                && view.send<"isKindOfClass:", BOOL>(objc::cls<"UIControl">()))
+                return view;
+        return {};
+    }
+    static void pick(std::vector<char const*> const& names)
+    {
+        for (char const* const name : names)
+            touch(pickerRow(name));
+        touch(button("Done"));
+        wait();
+    }
+    // The list file's entries.
+    static PropertyListArray written()
+    {
+        auto const bytes = phone().root().read(kContactListPath);
+        if (!bytes)
+            return {};
+        auto const file = readPropertyList(*bytes);
+        auto const* const root = file ? file->root.as<PropertyListDictionary>() : nullptr;
+        auto const* const list = root ? root->find("contactsArray") : nullptr;
+        return list && list->as<PropertyListArray>() ? *list->as<PropertyListArray>()
+                                                     : PropertyListArray { PropertyList("no list") };
+    }
+    static PropertyList value(std::size_t index, char const* key)
+    {
+        auto const entries = written();
+        auto const* const entry =
+            index < entries.size() ? entries[index].as<PropertyListDictionary>() : nullptr;
+        auto const* const found = entry ? entry->find(key) : nullptr;
+        return found ? *found : PropertyList(false);
+    }
+    static std::string text(std::size_t index, char const* key)
+    {
+        auto const found = value(index, key);
+        return found.as<std::string>() ? *found.as<std::string>() : "no text";
+    }
+};
+
+TEST_P(Picker, OffersTheAddressBook)
+{
+    boot(emptyStrip());
+    openPicker();
+
+    EXPECT_EQ(
+        effects(), (Effects { "passcodeTest no", "hold CVL", "present CNContactPickerViewController" }));
+    for (char const* const name : { "Ada Lund", "Bora", "Taxi", "Dina Kohen", "Emre Su" })
+        EXPECT_TRUE(pickerRow(name)) << name;
+}
+
+TEST_P(Picker, HandsOverInTheOrderTouched)
+{
+    boot(emptyStrip());
+    openPicker();
+    forget();
+
+    pick({ "Taxi", "Ada Lund", "Bora", "Ada Lund", "Ada Lund" });   // the second touch takes it back
+
+    EXPECT_EQ(effects(),
+        (Effects { "dismiss CNContactPickerViewController", kWrite,
+            "alert Corvel: You added 3 Contacts!\nEdit them using Corvel preferences\nDevice will now "
+            "respring" }));
+    EXPECT_EQ(alertRows(), std::vector<std::string> { "Respring" });
+    EXPECT_FALSE(presented("CNContactPickerViewController"));
+    EXPECT_TRUE(phone().idleTimer().holds("CVL"));
+    ASSERT_EQ(written().size(), 3u);
+    EXPECT_EQ(text(0, "contactLastName"), "Taxi");
+    EXPECT_EQ(text(1, "contactFirstName"), "Bora");
+    EXPECT_EQ(text(2, "contactFirstName"), "Ada");
+}
+
+TEST_P(Picker, StoresWhatEachContactHas)
+{
+    boot(emptyStrip());
+    openPicker();
+
+    pick({ "Ada Lund", "Bora", "Taxi", "Dina Kohen", "Emre Su" });
+
+    EXPECT_EQ(text(0, "contactUniqueIdentifier"), "id-AdaLund");
+    EXPECT_EQ(text(0, "contactPhoneNumber"), "+44 20 7946 0321");
+    EXPECT_EQ(text(0, "contactEmail"), "");
+    EXPECT_EQ(text(0, "contactImage"), "");
+    EXPECT_EQ(value(0, "contactBirthday"), PropertyList(*parseIsoDate("1990-03-09T00:00:00Z")));
+
+    EXPECT_EQ(text(1, "contactLastName"), "");
+    EXPECT_EQ(text(1, "contactPhoneNumber"), "");
+    EXPECT_EQ(text(1, "contactEmail"), "bora@example.com");
+    EXPECT_EQ(text(1, "contactBirthday"), "");
+
+    EXPECT_EQ(text(2, "contactFirstName"), "");
+    std::string const image = "image";
+    EXPECT_EQ(value(2, "contactImage"), PropertyList(Bytes(image.begin(), image.end())));
+
+    // Without a year it is year 1, which is no leap year; without a calendar there is no date.
+    ASSERT_TRUE(value(3, "contactBirthday").as<Date>());
+    EXPECT_EQ(text(4, "contactBirthday"), "");
+}
+
+TEST_P(Picker, LetsTheScreenGoWhenItIsCancelled)
+{
+    boot(emptyStrip());
+    openPicker();
+    touch(pickerRow("Bora"));
+    forget();
+
+    touch(button("Cancel"));
+    wait();
+
+    EXPECT_EQ(effects(), (Effects { "dismiss CNContactPickerViewController", "release CVL" }));
+    EXPECT_TRUE(written().empty());
+    EXPECT_FALSE(phone().idleTimer().isDisabled());
+    EXPECT_TRUE(addButton());
+}
+
+TEST_P(Picker, WritesAnEmptyPickAndSaysNothing)
+{
+    boot(emptyStrip());
+    openPicker();
+    forget();
+
+    pick({});
+
+    EXPECT_EQ(effects(), (Effects { "dismiss CNContactPickerViewController", kWrite }));
+    EXPECT_TRUE(written().empty());
+    EXPECT_TRUE(phone().idleTimer().holds("CVL"));
+}
+
+TEST_P(Picker, IsRefusedBehindAPasscode)
+{
+    auto options = emptyStrip();
+    options.passcode = kStoryPasscode;
+    boot(options);
+
+    touch(addButton());
+    wait();
+
+    EXPECT_EQ(effects(),
+        (Effects {
+            "passcodeTest yes", "alert Corvel: You need to unlock your iPhone before you can do that" }));
+    EXPECT_EQ(alertRows(), std::vector<std::string> { "OK" });
+    touch(alertRow("OK"));
+    wait();
+    EXPECT_EQ(effects(), (Effects { "dismiss UIAlertController" }));
+    EXPECT_FALSE(phone().isPasscodeShown());
+}
+
+TEST_P(Picker, GoesOnWithoutTheCommandThatRestarts)
+{
+    boot(emptyStrip());
+    ASSERT_TRUE(phone().setAvailable("killall", false));
+    openPicker();
+    pick({ "Bora" });
+    forget();
+
+    touch(alertRow("Respring"));
+    wait();
+
+    EXPECT_EQ(effects(), (Effects { "dismiss UIAlertController", kSpawn }));
+    EXPECT_EQ(phone().trace().events().back()["environment"], nullptr);
+    EXPECT_NE(phone().trace().events().back()["result"], 0);
+}
+
+TEST_P(Picker, BringsUpTheNewStripAfterTheRestart)
+{
+    std::size_t eventsBefore = bootAfterRespring(emptyStrip(), [] {
+        openPicker();
+        pick({ "Taxi", "Bora" });
+        touch(alertRow("Respring"));
+        wait();
+    });
+
+    EXPECT_TRUE(phone().isLocked());
+    EXPECT_TRUE(shows("Bora"));
+    EXPECT_TRUE(contactButton(1));
+    EXPECT_FALSE(contactButton(2));
+    EXPECT_GT(eventsBefore, 10u);
+    Json const events = phone().trace().events();
+    EXPECT_EQ(events[eventsBefore - 1]["kind"], "spawn");
+    EXPECT_EQ(events.back()["n"], events.size() - 1);
+    EXPECT_GE(events.back()["t"], events[eventsBefore - 1]["t"]);
+    // The same address book as before.
+    ASSERT_EQ(phone().restartState().addressBook, people());
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySystemWithThePicker, Picker, testing::Values("13.7", "14.8", "15.4", "16.1"),
+    [](auto const& info) { return versionName(info.param); });
+
+class PickerList : public Story { };
+
+TEST_F(PickerList, HoldsThousands)
+{
+    boot(options("15.4", Json::object(), Json::array()));
+    Json many = Json::array();
+    for (int i = 0; i < 3000; ++i)
+        many.push_back(person("Number", std::to_string(i)));
+    ASSERT_TRUE(phone().setAddressBook(many));
+    for (UIView const view : visibleViews())
+        if (view.isDescendantOfView(phone().strip())
+            && view.send<"isKindOfClass:", BOOL>(objc::cls<"UIControl">())) {
+            touch(view);
+            break;
+        }
+    wait();
+
+    EXPECT_TRUE(pickerRow("Number 3"));
+    EXPECT_FALSE(pickerRow("Number 2999"));
+    phone().drag({ 195, 700 }, { 195, 200 }, 0.1);
+    wait(3);
+    EXPECT_FALSE(pickerRow("Number 0"));
+}
+
+}
