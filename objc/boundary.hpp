@@ -83,6 +83,23 @@ F* entering(F* function)
 {
     return function;
 }
+#    if defined(CORVEL_HOST_AUTHENTICATES)
+// The phone on arm64, which may have loaded a library that signs: only blocks travel between the two in memory.
+extern "C" void* corvel_host_sign_code(void* code, void const* field);
+extern "C" void* corvel_host_authenticate_code(void* code, void const* field);
+extern "C" void* corvel_host_sign_isa(void* isa, void const* field);
+template <class F>
+void store_code(F** field, F* function)
+{
+    *field = reinterpret_cast<F*>(corvel_host_sign_code(reinterpret_cast<void*>(function), field));
+}
+template <class F>
+F* load_code(F* const* field)
+{
+    return reinterpret_cast<F*>(corvel_host_authenticate_code(reinterpret_cast<void*>(*field), field));
+}
+inline void store_isa(void** field, void* isa) { *field = corvel_host_sign_isa(isa, field); }
+#    else
 template <class F>
 void store_code(F** field, F* function)
 {
@@ -94,6 +111,7 @@ F* load_code(F* const* field)
     return *field;
 }
 inline void store_isa(void** field, void* isa) { *field = isa; }
+#    endif
 #endif
 
 // Integers narrower than a register. Apple's arm64 has the caller extend arguments and the callee extend
