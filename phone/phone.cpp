@@ -16,6 +16,7 @@
 #include "phone/springboard/music.hpp"
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/springboard/starter_set.hpp"
+#include "phone/springboard/strip_views.hpp"
 #include "phone/springboard/system_classes.hpp"
 #include "phone/springboard/view_tree.hpp"
 #include "phone/uikit/interaction.hpp"
@@ -100,27 +101,6 @@ void leaveAtOnce(int status, void*)
     phone().close();
     std::fflush(nullptr);
     _exit(status);
-}
-
-UIView findStrip(UIView root, bool isOutsideLockScreen)
-{
-    objc::class_handle const cls { objc_getClass("CVLView") };
-    if (!cls || !root)
-        return {};
-    if (root.send<"isKindOfClass:", BOOL>(cls) && root.ask<"isViewNonLS", BOOL>() == isOutsideLockScreen)
-        return root;
-    for (UIView const child : root.children())
-        if (UIView const found = findStrip(child, isOutsideLockScreen))
-            return found;
-    return {};
-}
-
-UIView findStripInWindows(bool isOutsideLockScreen)
-{
-    for (UIWindow const window : allWindows())
-        if (UIView const found = findStrip(window, isOutsideLockScreen))
-            return found;
-    return {};
 }
 
 // After anything that was done to the phone: what waits for the next turn happens, and the lock screen makes
@@ -255,6 +235,7 @@ Status Phone::bootWith(BootOptions const& options, RestartState const* restart)
         if (auto const changed = applyClassChanges(options); !changed)
             return changed;
     }
+    recordStripFrames();
     loadPluginLibraries();
     startSpringBoard(restart && restart->isMusicPlaying);
     on_exit(leaveAtOnce, nullptr);
@@ -474,9 +455,9 @@ void Phone::postNotification(NotificationCenterKind kind, std::string const& nam
     settle();
 }
 
-UIView Phone::strip() const { return findStripInWindows(false); }
+UIView Phone::strip() const { return findStrip(StripKind::strip); }
 
-UIView Phone::overlay() const { return findStripInWindows(true); }
+UIView Phone::overlay() const { return findStrip(StripKind::overlay); }
 
 UIViewController Phone::adjunctController() const { return springBoard().adjunctController; }
 

@@ -15,24 +15,6 @@ using Lines = std::vector<std::string>;
 
 constexpr char const* kVersions[] { "12.4", "13.7", "16.1" };
 
-std::vector<CGRect> g_initialFrames;   // of strips, as they are made
-
-struct InitWithFrame {
-    static inline objc::original<objc::handle(UIView, SEL, CGRect)> original;
-    static objc::handle replacement(UIView self, SEL cmd, CGRect frame)
-    {
-        if (objc::boundary::class_of(self.object) == objc_getClass("CVLView"))
-            g_initialFrames.push_back(frame);
-        return original(self, cmd, frame);
-    }
-};
-
-void noteInitialFrames()
-{
-    auto const [replacement, slot] = objc::hook<InitWithFrame>();
-    MSHookMessageEx(objc_getClass("UIView"), objc::selector<"initWithFrame:">(), replacement, slot);
-}
-
 UIStackView stackOf(UIViewController controller) { return adjunctStack(controller); }
 
 Lines arranged(UIViewController controller)
@@ -148,14 +130,12 @@ TEST_F(LockScreenStrip, IsMadeWithTheFrameOfItsScreen)
     system.width = 430;
     system.height = 932;
     boot(system);
-    noteInitialFrames();
     switchOn();
     EXPECT_FALSE(phone().strip());
 
     auto const controller = anotherController();
 
-    ASSERT_EQ(g_initialFrames.size(), 1u);
-    EXPECT_EQ(g_initialFrames[0], CGRectMake(0, 27, 375, 80));
+    EXPECT_EQ(told("frame", "value"), Lines { R"({"rect":[0.0,27.0,375.0,80.0]})" });
     EXPECT_EQ(arranged(controller.get()), Lines { "CVLView" });
 }
 
@@ -275,6 +255,8 @@ TEST_F(LockScreenStrip, StartsHiddenUntilItIsSummoned)
 
     ASSERT_EQ(arranged(host()), Lines { "CVLView" });
     EXPECT_TRUE(phone().strip().isHidden());
+    EXPECT_EQ(told("frame", "call"), (Lines { "initWithFrame:", "setHidden:" }));
+    EXPECT_EQ(told("frame", "view"), Lines(2, "strip"));
 }
 
 TEST_F(LockScreenStrip, IsLeftAloneOnceSwitchedOff)

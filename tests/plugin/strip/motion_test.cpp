@@ -128,6 +128,15 @@ TEST_F(StripMotion, TurnsWithTheApplication)
         ASSERT_EQ(animations.size(), 1u);
         EXPECT_EQ(animations[0]["duration"], 0.3);
         EXPECT_EQ(animations[0]["completion"], false);
+        // The transform comes before the frame, whose size is read in between.
+        auto const frames = events("frame", since);
+        ASSERT_EQ(frames.size(), 3u);
+        EXPECT_EQ(told("frame", "call", since),
+            (std::vector<std::string> { "setTransform:", "setFrame:", "setCenter:" }));
+        EXPECT_EQ(told("frame", "view", since), std::vector<std::string>(3, "overlay"));
+        EXPECT_NEAR(frames[0]["value"]["transform"][1], std::sin(row.angle), 1e-9);
+        EXPECT_NEAR(frames[1]["value"]["rect"][0], row.origin.x, 1e-9);
+        EXPECT_NEAR(frames[1]["value"]["rect"][1], row.origin.y, 1e-9);
     }
 }
 
