@@ -10,13 +10,20 @@ namespace {
 template <class Listener>
 void registerListener(NSString name)
 {
-    auto const listener = objc::adopt(Listener::alloc().template init<Listener>());
-    LAActivator::sharedInstance().registerListener(listener, name);
+    LAActivator::sharedInstance().registerListener(
+        objc::adopt(Listener::alloc().template init<Listener>()), name);
 }
 
 void post(NSString name, objc::handle listener)
 {
     NSNotificationCenter::defaultCenter().postNotificationName(name, listener, nullptr);
+}
+
+void addToHeight(UIView view, CGFloat points)
+{
+    CGRect frame = view.frame();
+    frame.size.height += points;
+    view.setFrame(frame);
 }
 
 template <class Listener>
@@ -54,20 +61,20 @@ void activatorLS(AdjunctListViewController self, SEL)
     if (!strip)
         return;
     UIStackView const stack = stackViewOf(self);
+    auto const settingsFile = readSettingsFile();
     BOOL const hides = !strip.isHidden();
-    CGRect frame = stack.frame();
     if (hides) {
         stack.removeArrangedSubview(strip);
         strip.removeFromSuperview();
-        frame.size.height -= strip.frame().size.height;
-        stack.setFrame(frame);
+        addToHeight(stack, -strip.frame().size.height);
     } else if (stack.subviews().count() == 0) {
         self.send<"viewDidLoad">();
     } else {
-        frame.size.height += strip.frame().size.height;
-        stack.setFrame(frame);
+        addToHeight(stack, strip.frame().size.height);
+        // It may stand in the stack, hidden: what pins it there goes, and is made anew.
+        strip.removeFromSuperview();
         placeStripInStack(stack);
     }
     strip.setHidden(hides);
-    setHideLSView(hides);
+    setHideLSView(hides, settingsFile);
 }

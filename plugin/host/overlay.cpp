@@ -84,8 +84,9 @@ void placeAtStart(CVLView strip, Path const& path, CGSize screen)
 void activatorNONLS(AdjunctListViewController self, SEL)
 {
     HostState& host = hostState();
+    NSInteger const orientation = frontMostAppOrientation();
     CGSize const screen = UIScreen::mainScreen().bounds().size;
-    Path const path = pathFor(frontMostAppOrientation(), screen);
+    Path const path = pathFor(orientation, screen);
     if (host.overlayView->send<"isShown", BOOL>()) {
         self.send<"cvlViewSwipeUp">();
         return;

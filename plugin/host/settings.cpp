@@ -152,15 +152,19 @@ void loadSettings()
     held().prefsLoaded = true;
 }
 
-void setHideLSView(BOOL hidden)
+objc::ref<NSMutableDictionary> readSettingsFile()
+{
+    auto file = objc::adopt(
+        NSMutableDictionary::alloc().initWithContentsOfFile(NSString::stringWithUTF8String(kSettingsPath)));
+    return file ? file : objc::retain(NSMutableDictionary::dictionary());
+}
+
+void setHideLSView(BOOL hidden, NSMutableDictionary file)
 {
     held().hideLSView = hidden;
-    NSString const path = NSString::stringWithUTF8String(kSettingsPath);
-    auto file = objc::adopt(NSMutableDictionary::alloc().initWithContentsOfFile(path));
-    if (!file)
-        file = objc::retain(NSMutableDictionary::dictionary());
-    file->setObject(NSNumber::numberWithBool(hidden), "hideLSView"_ns);
-    file->writeToFile(path, /* atomically: */ true);
+    if (NSNumber const value = NSNumber::numberWithBool(hidden))   // a dictionary raises for nil
+        file.setObject(value, "hideLSView"_ns);
+    file.writeToFile(NSString::stringWithUTF8String(kSettingsPath), /* atomically: */ true);
 }
 
 viewPreferences currentPreferences()

@@ -62,9 +62,13 @@ Settings const& settings();
 // takes its default or keeps its previous value, as the table in the source says. Never fails, never raises.
 void loadSettings();
 
-// Stores the value and writes it into the settings file, whose other keys stay. An unreadable file is replaced by one that
-// holds this key alone.
-void setHideLSView(BOOL hidden);
+// The settings file's keys and values; empty when it is missing or can't be read. Never nil.
+objc::ref<NSMutableDictionary> readSettingsFile();
 
-// The record as the variables stand. A title font that is none becomes the system font first.
+// Stores the value, and writes it into the settings file with the keys of `file`, as it was read. One that could not be read is
+// replaced by one that holds this key alone; one that can't be written stays as it is.
+void setHideLSView(BOOL hidden, NSMutableDictionary file);
+
+// The record as the variables stand. A title font that is none becomes the system font first. Title and font are lent until the
+// next call.
 viewPreferences currentPreferences();

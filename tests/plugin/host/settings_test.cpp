@@ -375,7 +375,7 @@ TEST_F(SettingsFile, HidingTheStripKeepsEveryOtherKey)
     boot();
     load({ { "titlePos", 3 }, { "styleCustomTitle", "Mine" }, { "unknown", kArray } });
 
-    setHideLSView(true);
+    setHideLSView(true, readSettingsFile());
 
     EXPECT_TRUE(settings().hideLSView);
     auto const bytes = phone::phone().root().read(kSettingsPath);
@@ -395,7 +395,7 @@ TEST_F(SettingsFile, AnUnreadableFileIsReplacedWhenTheStripIsHidden)
     boot();
     loadText("no property list");
     EXPECT_TRUE(settings().isEnabled);
-    setHideLSView(true);
+    setHideLSView(true, readSettingsFile());
     auto const bytes = phone::phone().root().read(kSettingsPath);
     ASSERT_TRUE(bytes);
     auto const file = phone::readPropertyList(*bytes);
