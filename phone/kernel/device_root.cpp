@@ -52,6 +52,14 @@ bool isEmptyFolder(fs::path const& folder)
 
 }
 
+char const* fileFaultName(FileFault fault)
+{
+    for (FaultName const& entry : kFaultNames)
+        if (entry.fault == fault)
+            return entry.name;
+    return "none";
+}
+
 std::optional<FileFault> fileFaultNamed(std::string_view name)
 {
     for (FaultName const& entry : kFaultNames) {
@@ -299,8 +307,11 @@ FileResult<fs::path> DeviceRoot::map(std::string_view devicePath) const
 
 FileFault DeviceRoot::faultAt(fs::path const& hostPath) const
 {
-    auto const found = m_faults.find(hostPath);
-    return found == m_faults.end() ? FileFault::none : found->second;
+    if (auto const own = m_faults.find(hostPath); own != m_faults.end())
+        return own->second;
+    // Those that the map holds are a folder's too: what lies in one that can't be written to can't be replaced.
+    auto const folders = m_faults.find(hostPath.parent_path());
+    return folders == m_faults.end() ? FileFault::none : folders->second;
 }
 
 bool DeviceRoot::exists(std::string_view devicePath) const
@@ -380,6 +391,14 @@ FileStatus DeviceRoot::setFault(std::string_view devicePath, FileFault fault, st
     if (error)
         return FileError { { "cannot set up " + name + ": " + error.message() }, FileErrorKind::other };
     return {};
+}
+
+std::vector<std::pair<std::string, FileFault>> DeviceRoot::faults() const
+{
+    std::vector<std::pair<std::string, FileFault>> all;
+    for (auto const& [place, fault] : m_faults)
+        all.emplace_back("/" + place.lexically_relative(m_folder).string(), fault);
+    return all;
 }
 
 }

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace phone {
@@ -28,6 +29,9 @@ enum class FileFault {
 
 // The name used in scripts: `absent`, `directory`, … None for another text.
 std::optional<FileFault> fileFaultNamed(std::string_view name);
+
+// The other way round.
+char const* fileFaultName(FileFault fault);
 
 // How a file is written.
 struct WriteOptions {
@@ -101,9 +105,14 @@ public:
 
     // Puts the thing named into the place of devicePath, so that reading and writing meet it. `unreadable`,
     // `readonly` and `full` keep the file that is there (`unreadable` and `readonly` make an empty one when
-    // there is none) and hold for root too, whom no permission stops. `none` lifts those three. `link` needs
+    // there is none) and hold for root too, whom no permission stops; of a folder they hold for the files in it.
+    // `none` lifts those three. `link` needs
     // a target: a device path, or one relative to the link's folder; one that leaves the root is refused.
     FileStatus setFault(std::string_view devicePath, FileFault, std::string_view linkTarget = {});
+
+    // What setFault() has set and no disk keeps (`unreadable`, `readonly`, `full`), by device path: a phone that
+    // restarts sets it again.
+    std::vector<std::pair<std::string, FileFault>> faults() const;
 
 private:
     DeviceRoot(Kind, std::filesystem::path folder, bool wasEmpty);

@@ -147,6 +147,26 @@ TEST_F(DeviceRootTest, FaultsHoldForRootToo)
     EXPECT_EQ(read("/var/jb/new"), "");
 }
 
+TEST_F(DeviceRootTest, FaultsOfAFolderHoldForItsFiles)
+{
+    ASSERT_TRUE(root.write("/var/jb/folder/a", bytesOf("old"), withFolders));
+
+    ASSERT_TRUE(root.setFault("/var/jb/folder", FileFault::readonly));
+    EXPECT_EQ(read("/var/jb/folder/a"), "old");
+    for (bool const atomically : { true, false })
+        EXPECT_EQ(root.write("/var/jb/folder/a", bytesOf("new"), { .atomically = atomically }).kind(),
+            FileErrorKind::refused);
+    EXPECT_FALSE(root.write("/var/jb/folder/b", bytesOf("new")));
+    EXPECT_FALSE(root.exists("/var/jb/folder/b"));
+
+    ASSERT_TRUE(root.setFault("/var/jb/folder", FileFault::unreadable));
+    EXPECT_FALSE(root.read("/var/jb/folder/a"));
+
+    ASSERT_TRUE(root.setFault("/var/jb/folder", FileFault::none));
+    ASSERT_TRUE(root.write("/var/jb/folder/a", bytesOf("new")));
+    EXPECT_EQ(read("/var/jb/folder/a"), "new");
+}
+
 TEST_F(DeviceRootTest, FaultsAreMetThroughLinks)
 {
     ASSERT_TRUE(root.write("/var/jb/a", bytesOf("old"), withFolders));
