@@ -8,6 +8,8 @@
 #include "phone/uikit/ui_view_controller.hpp"
 #include "phone/uikit/ui_view_state.hpp"
 
+#include <cmath>
+#include <numbers>
 #include <optional>
 
 namespace phone {
@@ -174,6 +176,62 @@ graphics::Color toColor(AnimatedValue const& v) { return { v[0], v[1], v[2], v[3
 
 AnimatedValue toValue(graphics::Color c) { return { c.red, c.green, c.blue, c.alpha }; }
 
+AnimatedValue between(AnimatedValue const& from, AnimatedValue const& to, double progress)
+{
+    AnimatedValue value {};
+    for (std::size_t i = 0; i < value.size(); ++i)
+        value[i] = from[i] + (to[i] - from[i]) * progress;
+    return value;
+}
+
+// A transform as what is done to a view one after the other: shear, scale, turn, move.
+struct TransformParts {
+    double shear { 0 };
+    double scaleX { 1 };
+    double scaleY { 1 };
+    double angle { 0 };   // radians
+    double moveX { 0 };
+    double moveY { 0 };
+};
+
+// None of one that squeezes the plane to a line or a point.
+std::optional<TransformParts> partsOf(AnimatedValue const& t)
+{
+    auto const [a, b, c, d, tx, ty] = t;
+    double const determinant = a * d - b * c;
+    if (std::abs(determinant) < 1e-12)
+        return std::nullopt;
+    TransformParts parts { .moveX = tx, .moveY = ty };
+    // A mirroring counts as one along the axis that it points against.
+    double const flip = determinant < 0 && a < d ? -1 : 1;
+    parts.scaleX = flip * std::hypot(a, b);
+    double const x = a / parts.scaleX;
+    double const y = b / parts.scaleX;
+    parts.angle = std::atan2(y, x);
+    parts.scaleY = x * d - y * c;
+    parts.shear = (x * c + y * d) / parts.scaleY;
+    return parts;
+}
+
+// As Core Animation has it: a turn runs as a turn, the shorter way round, and nothing shrinks on the way.
+AnimatedValue transformBetween(AnimatedValue const& from, AnimatedValue const& to, double progress)
+{
+    auto const start = partsOf(from);
+    auto const end = partsOf(to);
+    if (!start || !end)
+        return between(from, to, progress);
+    auto const at = [progress](double first, double last) { return first + (last - first) * progress; };
+    double const turn = std::remainder(end->angle - start->angle, 2 * std::numbers::pi);
+    double const angle = start->angle + turn * progress;
+    double const scaleX = at(start->scaleX, end->scaleX);
+    double const scaleY = at(start->scaleY, end->scaleY);
+    double const shear = at(start->shear, end->shear);
+    double const cosine = std::cos(angle);
+    double const sine = std::sin(angle);
+    return { scaleX * cosine, scaleX * sine, scaleY * (shear * cosine - sine),
+        scaleY * (shear * sine + cosine), at(start->moveX, end->moveX), at(start->moveY, end->moveY) };
+}
+
 }
 
 AnimatedValue modelValue(UIView view, AnimatedProperty property)
@@ -204,8 +262,8 @@ AnimatedValue presentValue(UIView view, AnimatedProperty property)
         if (each.property != property)
             continue;
         double const progress = each.group->progress(clock().now());
-        for (std::size_t i = 0; i < value.size(); ++i)
-            value[i] = each.from[i] + (value[i] - each.from[i]) * progress;
+        value = property == AnimatedProperty::transform ? transformBetween(each.from, value, progress)
+                                                        : between(each.from, value, progress);
     }
     return value;
 }

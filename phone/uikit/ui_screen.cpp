@@ -5,6 +5,8 @@
 #include "phone/kernel/services.hpp"
 #include "phone/uikit/ui_window.hpp"
 
+#include <utility>
+
 namespace phone {
 
 namespace {
@@ -37,8 +39,10 @@ CGRect screenBounds()
 double screenScale() { return bootOptions().scale; }
 void setScreenOrientation(int orientation)
 {
-    if (orientation >= 1 && orientation <= 4)
-        screenState().orientation = orientation;
+    if (orientation < 1 || orientation > 4)
+        return;
+    int const from = std::exchange(screenState().orientation, orientation);
+    turnWindows(from);
 }
 int screenOrientation() { return screenState().orientation; }
 

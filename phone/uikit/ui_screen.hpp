@@ -33,7 +33,7 @@ struct UIDevice : objc::subclass<UIDevice, "UIDevice", NSObject> {
 // Points, turned with the orientation. As UIScreen's bounds.
 CGRect screenBounds();
 double screenScale();
-// Interface orientation 1 to 4; anything else is ignored. Windows keep their frames: who owns them turns them.
+// Interface orientation 1 to 4; anything else is ignored. Windows follow, as turnWindows() says.
 void setScreenOrientation(int orientation);
 int screenOrientation();
 

@@ -3,8 +3,11 @@
 #include "objc/define.hpp"
 #include "phone/foundation/strings.hpp"
 #include "phone/kernel/services.hpp"
+#include "phone/uikit/animation.hpp"
+#include "phone/uikit/geometry.hpp"
 #include "phone/uikit/json_values.hpp"
 #include "phone/uikit/ui_application.hpp"
+#include "phone/uikit/ui_screen.hpp"
 #include "phone/uikit/ui_view_controller.hpp"
 #include "phone/uikit/ui_view_state.hpp"
 
@@ -52,6 +55,32 @@ void record(UIWindow window, char const* call, Json value)
             { "value", std::move(value) } });
 }
 
+// From the display's own space, as the phone is held upright, to that of the screen's bounds in an orientation.
+CGAffineTransform displayToScreen(int orientation)
+{
+    double const width = bootOptions().width;
+    double const height = bootOptions().height;
+    switch (orientation) {
+    case 2: return { -1, 0, 0, -1, width, height };
+    case 3: return { 0, -1, 1, 0, 0, width };
+    case 4: return { 0, 1, -1, 0, height, 0 };
+    default: return kIdentity;
+    }
+}
+
+CGAffineTransform turnOf(int orientation)
+{
+    CGAffineTransform turn = displayToScreen(orientation);
+    turn.tx = turn.ty = 0;
+    return turn;
+}
+
+CGRect boundsIn(int orientation)
+{
+    CGSize const upright { bootOptions().width, bootOptions().height };
+    return { {}, orientation >= 3 ? CGSize { upright.height, upright.width } : upright };
+}
+
 void moveToFront(UIWindow window)
 {
     std::erase(g_windows, window.object);
@@ -75,6 +104,22 @@ void setKeyWindow(UIWindow window)
 {
     std::erase(g_keyWindows, window.object);
     g_keyWindows.push_back(window.object);
+}
+
+void turnWindows(int from)
+{
+    int const to = screenOrientation();
+    if (from == to)
+        return;
+    for (UIWindow const window : allWindows()) {
+        if (!window.autorotates()) {
+            CGPoint const onDisplay = apply(inverted(displayToScreen(from)), window.center());
+            window.setTransform(turnOf(to));
+            window.setCenter(apply(displayToScreen(to), onDisplay));
+        } else if (window.frame() == boundsIn(from)) {
+            window.setFrame(boundsIn(to));
+        }
+    }
 }
 
 UIWindow UIWindow::keyWindow()
@@ -165,7 +210,18 @@ BOOL UIWindow::isKeyWindow() const { return object && keyWindow() == *this; }
 BOOL UIWindow::isSecure() const { return object && stateOf(*this).isSecure; }
 void UIWindow::setSecure(BOOL secure) const { stateOf(*this).isSecure = secure; }
 BOOL UIWindow::autorotates() const { return object && stateOf(*this).autorotates; }
-void UIWindow::setAutorotates(BOOL autorotates) const { stateOf(*this).autorotates = autorotates; }
+void UIWindow::setAutorotates(BOOL autorotates) const
+{
+    if (!object || stateOf(*this).autorotates == bool(autorotates))
+        return;
+    stateOf(*this).autorotates = autorotates;
+    // What it covers of the display stays the same.
+    CGRect const covered = frame();
+    performWithoutAnimation([this, covered, autorotates] {
+        setTransform(autorotates ? kIdentity : turnOf(screenOrientation()));
+        setFrame(covered);
+    });
+}
 UIResponder UIWindow::nextResponder() const { return UIApplication::sharedApplication(); }
 
 // The rows: the same calls as messages, which the trace tells of.

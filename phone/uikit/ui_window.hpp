@@ -29,6 +29,8 @@ struct UIWindow : objc::subclass<UIWindow, "UIWindow", UIView> {
     BOOL isSecure() const;
     void setSecure(BOOL secure) const;   // _setSecure:
     BOOL autorotates() const;
+    // One that does not lies in the display's own space, as the phone is held upright: when the screen turns, it stays with the
+    // display, and its transform turns what is in it. One that does keeps to the space of the screen's bounds.
     void setAutorotates(BOOL autorotates) const;
     UIResponder nextResponder() const;   // the application
 
@@ -53,6 +55,10 @@ struct UIWindow : objc::subclass<UIWindow, "UIWindow", UIView> {
 // What the display's corners, camera and home indicator cover, turned with the orientation; by the screen's
 // size. Zero for screens with a home button.
 UIEdgeInsets safeAreaOfScreen();
+
+// The screen has turned from this orientation to the present one: windows that fill it take its new bounds, and those that don't
+// rotate stay where they are on the display.
+void turnWindows(int from);
 
 // All windows, back to front: by level, then by the time at which they were last shown.
 std::vector<UIWindow> allWindows();

@@ -1,6 +1,9 @@
 #include "phone/uikit/animation.hpp"
 #include "tests/phone/uikit/core_fixture.hpp"
 
+#include <cmath>
+#include <numbers>
+
 namespace phone::testing {
 
 class Animation : public CoreTest { };
@@ -149,6 +152,52 @@ TEST_F(Animation, ABlockInsideTakesTheOuterTime)
 
     EXPECT_NEAR(view->presentation().alpha, 0.5, 1e-9);
     EXPECT_EQ(view->presentation().center, (CGPoint { 9, 9 }));
+}
+
+// The four numbers each on their own way would shrink the view to nothing half-way through half a turn.
+TEST_F(Animation, TurnsAsAWhole)
+{
+    auto const view = addView(CGRectMake(0, 0, 50, 50));
+    constexpr double kHalfTurn = std::numbers::pi;
+    struct Row {
+        double from, to, middle;
+    };
+    for (Row const row : { Row { 0, kHalfTurn / 2, kHalfTurn / 4 }, Row { kHalfTurn / 2, -kHalfTurn / 2, 0 },
+             Row { 0.75 * kHalfTurn, -0.75 * kHalfTurn, kHalfTurn } }) {
+        view->setTransform(rotation(row.from));
+        animateWithOptions(1, 0, AnimationOption::curveLinear,
+            [raw = view.get(), row] { raw.setTransform(rotation(row.to)); });
+        advance(0.5);
+        CGAffineTransform const shown = view->presentation().transform;
+        EXPECT_NEAR(std::abs(shown.a * shown.d - shown.b * shown.c), 1, 1e-9) << row.from;
+        EXPECT_NEAR(shown.a, std::cos(row.middle), 1e-9) << row.from;
+        EXPECT_NEAR(shown.b, std::sin(row.middle), 1e-9) << row.from;
+        advance(1);
+        EXPECT_EQ(view->presentation().transform, rotation(row.to));
+    }
+}
+
+TEST_F(Animation, ScalesMirrorsShearsAndMovesOnStraightWays)
+{
+    auto const view = addView(CGRectMake(0, 0, 50, 50));
+    struct Row {
+        CGAffineTransform from, to, middle;
+    };
+    for (Row const& row : { Row { kIdentity, { 3, 0, 0, 2, 10, 20 }, { 2, 0, 0, 1.5, 5, 10 } },
+             Row { { -1, 0, 0, 1, 0, 0 }, { -2, 0, 0, 2, 0, 0 }, { -1.5, 0, 0, 1.5, 0, 0 } },
+             Row { { 1, 0, 0, -1, 0, 0 }, { 1, 0, 0, -3, 0, 0 }, { 1, 0, 0, -2, 0, 0 } },
+             Row { kIdentity, { 1, 0, 0.5, 1, 0, 0 }, { 1, 0, 0.25, 1, 0, 0 } },
+             Row { { 0, 0, 0, 0, 0, 0 }, kIdentity, { 0.5, 0, 0, 0.5, 0, 0 } } }) {
+        view->setTransform(row.from);
+        animateWithOptions(
+            1, 0, AnimationOption::curveLinear, [raw = view.get(), &row] { raw.setTransform(row.to); });
+        advance(0.5);
+        CGAffineTransform const shown = view->presentation().transform;
+        for (auto const part : { &CGAffineTransform::a, &CGAffineTransform::b, &CGAffineTransform::c,
+                 &CGAffineTransform::d, &CGAffineTransform::tx, &CGAffineTransform::ty })
+            EXPECT_NEAR(shown.*part, row.middle.*part, 1e-9);
+        advance(1);
+    }
 }
 
 TEST_F(Animation, RepeatsBackAndForth)

@@ -202,6 +202,59 @@ TEST_F(Window, TheScreenTurns)
     EXPECT_TRUE(UIDevice::currentDevice().systemVersion().isEqualToString("16.1"_ns));
 }
 
+TEST_F(Window, ThatFillsTheScreenTurnsWithIt)
+{
+    auto const small = make<UIWindow>(CGRectMake(10, 20, 100, 50));
+    setScreenOrientation(4);
+    EXPECT_EQ(window().frame(), CGRectMake(0, 0, 844, 390));
+    EXPECT_EQ(window().rootViewController().view().frame(), CGRectMake(0, 0, 844, 390));
+    EXPECT_EQ(small->frame(), CGRectMake(10, 20, 100, 50));
+    setScreenOrientation(1);
+    EXPECT_EQ(window().frame(), CGRectMake(0, 0, 390, 844));
+}
+
+TEST_F(Window, ThatDoesNotRotateStaysWithTheDisplay)
+{
+    auto const fixed = make<UIWindow>(CGRectMake(0, 0, 390, 844));
+    fixed->setAutorotates(false);
+    // At the display's upper edge, towards its left.
+    auto const mark = make<UIView>(CGRectMake(20, 10, 60, 30));
+    fixed->addSubview(mark.get());
+    auto const place = [&] { return apply(fixed->transformToSuperview(), mark->frame()); };
+
+    EXPECT_EQ(place(), CGRectMake(20, 10, 60, 30));
+    setScreenOrientation(3);   // the display's upper edge is at the left, its left at the bottom
+    EXPECT_EQ(place(), CGRectMake(10, 310, 30, 60));
+    EXPECT_EQ(fixed->frame(), CGRectMake(0, 0, 844, 390));
+    EXPECT_EQ(fixed->bounds(), CGRectMake(0, 0, 390, 844));
+    setScreenOrientation(4);   // and at the right
+    EXPECT_EQ(place(), CGRectMake(804, 20, 30, 60));
+    setScreenOrientation(2);
+    EXPECT_EQ(place(), CGRectMake(310, 804, 60, 30));
+    setScreenOrientation(1);
+    EXPECT_EQ(place(), CGRectMake(20, 10, 60, 30));
+    EXPECT_EQ(fixed->transform(), kIdentity);
+}
+
+TEST_F(Window, StopsRotatingWhereItCoversTheSame)
+{
+    setScreenOrientation(3);
+    auto const turned = make<UIWindow>(UIScreen::mainScreen().bounds());
+    auto const controller = LifeController::make();
+    turned->setRootViewController(controller.get());
+    EXPECT_EQ(turned->bounds(), CGRectMake(0, 0, 844, 390));
+
+    turned->setAutorotates(false);
+    EXPECT_EQ(turned->frame(), CGRectMake(0, 0, 844, 390));
+    EXPECT_EQ(turned->bounds(), CGRectMake(0, 0, 390, 844));
+    EXPECT_EQ(controller->view().bounds(), CGRectMake(0, 0, 390, 844));
+    turned->setAutorotates(true);
+    EXPECT_EQ(turned->bounds(), CGRectMake(0, 0, 844, 390));
+    EXPECT_EQ(controller->view().bounds(), CGRectMake(0, 0, 844, 390));
+    setScreenOrientation(1);
+    EXPECT_EQ(turned->frame(), CGRectMake(0, 0, 390, 844));
+}
+
 TEST_F(Window, OpensUrlsAndCallsBackLater)
 {
     auto const application =
