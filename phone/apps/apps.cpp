@@ -2,10 +2,9 @@
 
 #include "phone/apps/call_card.hpp"
 #include "phone/apps/cn_contact.hpp"
+#include "phone/apps/composers.hpp"
 #include "phone/apps/contact_picker.hpp"
 #include "phone/apps/layout_view.hpp"
-#include "phone/apps/mail_composer.hpp"
-#include "phone/apps/message_composer.hpp"
 #include "phone/apps/siri_card.hpp"
 
 namespace phone {
@@ -15,8 +14,7 @@ void defineApplications()
     defineLayoutView();
     defineCallCard();
     defineSiriCard();
-    defineMFMessageComposeViewController();
-    defineMFMailComposeViewController();
+    defineComposers();
     defineCNContact();
     defineCNContactPickerViewController();
 }

@@ -31,7 +31,7 @@ inline DeviceRoot*& deviceRoot()
 // Points, as UIScreen's bounds have it: turned with the orientation (interface orientation codes 1 to 4).
 struct ScreenState {
     int orientation { 1 };
-    bool isDimmed { false };        // nobody has touched the phone for a while
+    bool isDimmed { false };          // nobody has touched the phone for a while
     bool showsHapticMark { false };   // the motor has just tapped
 };
 inline ScreenState& screenState()
