@@ -387,11 +387,13 @@ struct UIViewController : objc::subclass<UIViewController, "UIViewController", U
     UIView view() const { return send<"view", UIView>(); }
 };
 
-// Presentation is asked of whatever the responder chain yields, which need not be a view controller.
+// Presentation is asked of whatever the responder chain yields, which need not be a view controller. Nil is not presented: UIKit
+// raises for it.
 inline void presentViewController(
     UIResponder presenter, UIViewController presented, objc::block_ref<void()> completion)
 {
-    presenter.ask<"presentViewController:animated:completion:">(presented, true, completion);
+    if (presented)
+        presenter.ask<"presentViewController:animated:completion:">(presented, true, completion);
 }
 
 struct UIWindow : objc::subclass<UIWindow, "UIWindow", UIView> {
@@ -427,3 +429,10 @@ struct UIAlertController : objc::subclass<UIAlertController, "UIAlertController"
     }
     void addAction(UIAlertAction action) const { send<"addAction:">(action); }
 };
+
+// Nil, where the system makes none, is left out: UIKit raises for it.
+inline void addActionIfAny(UIAlertController prompt, UIAlertAction action)
+{
+    if (action)
+        prompt.addAction(action);
+}

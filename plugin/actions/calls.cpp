@@ -36,8 +36,8 @@ void askAndCall(Call const& call, CVLView strip)
     auto const yes =
         objc::block([&call, strip = objc::retain(strip)](UIAlertAction) { callNow(call, strip); });
     auto const no = objc::block([](UIAlertAction) {});
-    alert.addAction(UIAlertAction::actionWithTitle("Yes"_ns, UIAlertActionStyleDefault, lent(yes)));
-    alert.addAction(UIAlertAction::actionWithTitle("No"_ns, UIAlertActionStyleCancel, lent(no)));
+    addActionIfAny(alert, UIAlertAction::actionWithTitle("Yes"_ns, UIAlertActionStyleDefault, lent(yes)));
+    addActionIfAny(alert, UIAlertAction::actionWithTitle("No"_ns, UIAlertActionStyleCancel, lent(no)));
     strip.send<"windowForPrompts:">(alert);
     releaseIdleTimer();   // right away, not when the alert is answered
 }

@@ -67,7 +67,8 @@ void CVLView::contactPickerDidSelectContacts(objc::handle, NSArray contacts) con
         filled(kMessage, { NSString::stringWithUTF8String(std::to_string(count).c_str()) });
     auto const alert = UIAlertController::alertController("Corvel"_ns, message, UIAlertControllerStyleAlert);
     auto const handler = objc::block([](UIAlertAction) { respring(); });
-    alert.addAction(UIAlertAction::actionWithTitle("Respring"_ns, UIAlertActionStyleCancel, lent(handler)));
+    addActionIfAny(
+        alert, UIAlertAction::actionWithTitle("Respring"_ns, UIAlertActionStyleCancel, lent(handler)));
     send<"windowForPrompts:">(alert);
 }
 

@@ -33,6 +33,8 @@ bool usesPromptWindow(CVLView strip)
 
 void CVLView::windowForPrompts(UIViewController prompt) const
 {
+    if (!prompt)
+        return;
     UIResponder const presenter =
         usesPromptWindow(*this) ? promptWindowPresenter(prompt) : responderChainPresenter(*this);
     presentViewController(presenter, prompt, {});

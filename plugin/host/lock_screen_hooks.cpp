@@ -90,7 +90,7 @@ NSLayoutConstraint heightConstraint(CVLView strip)
 NSArray stripConstraints(CVLView strip, UIStackView stack)
 {
     NSMutableArray const constraints = NSMutableArray::array();
-    if (!stack)
+    if (!strip || !stack)
         return constraints;
     CGFloat const inset = settings().bannerStyle == 2 ? 0 : kStripInset;
     constraints.addObject(strip.centerXAnchor().constraintEqualTo(stack.centerXAnchor()));
@@ -115,10 +115,11 @@ void keepStripLast(AdjunctListViewController controller)
 
 UIStackView stackViewOf(AdjunctListViewController controller)
 {
+    NSString const key = "_stackView"_ns;
     // Key-value coding raises for a key that it does not find.
-    if (!controller.responds<"_stackView">() && !objc::has_ivar(controller, "_stackView"))
+    if (!key || (!controller.responds<"_stackView">() && !objc::has_ivar(controller, "_stackView")))
         return nullptr;
-    return objc::cast<UIStackView>(controller.valueForKey("_stackView"_ns));
+    return objc::cast<UIStackView>(controller.valueForKey(key));
 }
 
 void placeStripInStack(UIStackView stack)

@@ -56,6 +56,8 @@ bool createOverlay(AdjunctListViewController controller, Path const& path)
                                        : CGRectMake(path.start, path.across, width, kStripHeight);
     host.overlayView = objc::adopt(CVLView::alloc().send<"initWithFrame:prefs:nonLSView:", CVLView>(
         frame, host.initPrefs.get(), BOOL(true)));
+    if (!host.overlayView)
+        return false;
     if (!path.portrait)
         host.overlayView->send<"rotateView">();
 

@@ -96,6 +96,10 @@ void CVLView::addButton(objc::handle) const
     holdIdleTimer();
     auto const picker =
         objc::adopt(CNContactPickerViewController::alloc().init<CNContactPickerViewController>());
+    if (!picker) {
+        releaseIdleTimer();   // there is no picker that could tell us to
+        return;
+    }
     picker->setDelegate(*this);
     auto const nothing = objc::block([] {});
     presentViewController(responderChainPresenter(*this), picker, lent(nothing));

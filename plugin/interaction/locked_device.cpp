@@ -17,7 +17,7 @@ BOOL CVLView::presentMessageIfDeviceLocked() const
     auto const alert = UIAlertController::alertController(
         "Corvel"_ns, "You need to unlock your iPhone before you can do that"_ns, UIAlertControllerStyleAlert);
     auto const nothing = objc::block([](UIAlertAction) {});
-    alert.addAction(UIAlertAction::actionWithTitle("OK"_ns, UIAlertActionStyleCancel, lent(nothing)));
+    addActionIfAny(alert, UIAlertAction::actionWithTitle("OK"_ns, UIAlertActionStyleCancel, lent(nothing)));
     send<"windowForPrompts:">(alert);
     return true;
 }

@@ -110,7 +110,7 @@ void addEntry(UIAlertController sheet, MenuRow const& row, CVLView strip, UIGest
     setIcon(action,
         UIImage::applicationIcon(
             NSString::stringWithUTF8String(row.icon), /* format: */ 0, UIScreen::mainScreen().scale()));
-    sheet.addAction(action);
+    addActionIfAny(sheet, action);
 }
 
 // A line of information: choosing it only closes the sheet.
@@ -132,7 +132,7 @@ void addBirthday(UIAlertController sheet, NSDate birthday)
         return;
     UIAlertAction const action = inertAction(filled("Birthday: %@", { text }), UIAlertActionStyleDefault);
     setIcon(action, stripState().cakeImage);
-    sheet.addAction(action);
+    addActionIfAny(sheet, action);
 }
 
 }
@@ -159,11 +159,15 @@ void CVLView::showMenu(UIGestureRecognizer sender) const
     auto const sheet = UIAlertController::alertController(
         filled("%@ - %@", { button.getContactName(), button.getPhoneNumber() }), nullptr,
         UIAlertControllerStyleActionSheet);
+    if (!sheet) {
+        releaseIdleTimer();   // there is no sheet whose entries could
+        return;
+    }
     for (MenuRow const& row : kMenuRows)
         if (isShown(row, button, systemVersion))
             addEntry(sheet, row, *this, recognizer);
     if (prefs.showBirthday)
         addBirthday(sheet, button.getBirthday());
-    sheet.addAction(inertAction("Cancel"_ns, UIAlertActionStyleCancel));
+    addActionIfAny(sheet, inertAction("Cancel"_ns, UIAlertActionStyleCancel));
     send<"windowForPrompts:">(sheet);
 }

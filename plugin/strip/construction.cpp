@@ -73,6 +73,8 @@ void Builder::makeRow() const
 {
     auto const layout = objc::adopt(UICollectionViewFlowLayout::alloc().init<UICollectionViewFlowLayout>());
     m_strip.send<"setCollectionViewLayout:">(layout);
+    if (!layout)   // the row raises without one
+        return;
     layout->setScrollDirection(UICollectionViewScrollDirectionHorizontal);
     auto const row = objc::adopt(UICollectionView::alloc().initWithFrame(m_frame, layout));
     m_strip.send<"setCollectionView:">(row);
@@ -215,7 +217,8 @@ void Builder::makeBirthdayResources() const
 
 void Builder::addRow() const
 {
-    m_strip.collectionView().registerClass(CVLContactCell::cls(), kContactCellIdentifier());
+    if (NSString const identifier = kContactCellIdentifier())
+        m_strip.collectionView().registerClass(CVLContactCell::cls(), identifier);
     m_strip.addSubview(m_strip.collectionView());
 }
 

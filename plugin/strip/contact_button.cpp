@@ -9,26 +9,34 @@ constexpr double kFadeOutSeconds = 0.2;
 constexpr double kFadeInSeconds = 0.7;
 
 template <objc::fixed_string Name, class V>
+V kept(CVLButton button)
+{
+    return button ? objc::ivar<V, Name>(button) : V {};
+}
+
+template <objc::fixed_string Name, class V>
 void keep(CVLButton button, V value)
 {
+    if (!button)
+        return;
     value.template send<"retain", objc::handle>();
     std::exchange(objc::ivar<V, Name>(button), value).template send<"release">();
 }
 
 }
 
-NSString CVLButton::getPhoneNumber() const { return objc::ivar<NSString, "phoneNumber">(*this); }
+NSString CVLButton::getPhoneNumber() const { return kept<"phoneNumber", NSString>(*this); }
 void CVLButton::setPhoneNumber(NSString number) const { keep<"phoneNumber">(*this, number); }
-NSString CVLButton::getContactName() const { return objc::ivar<NSString, "contactNameForDisplay">(*this); }
+NSString CVLButton::getContactName() const { return kept<"contactNameForDisplay", NSString>(*this); }
 void CVLButton::setContactName(NSString name) const { keep<"contactNameForDisplay">(*this, name); }
-NSString CVLButton::getEmailAddr() const { return objc::ivar<NSString, "emailAddr">(*this); }
+NSString CVLButton::getEmailAddr() const { return kept<"emailAddr", NSString>(*this); }
 void CVLButton::setEmailAddr(NSString address) const { keep<"emailAddr">(*this, address); }
-NSDate CVLButton::getBirthday() const { return objc::ivar<NSDate, "birthday">(*this); }
+NSDate CVLButton::getBirthday() const { return kept<"birthday", NSDate>(*this); }
 void CVLButton::setBirthday(NSDate date) const { keep<"birthday">(*this, date); }
 void CVLButton::setCake(UIImageView badge) const { keep<"buttonCakeView">(*this, badge); }
 void CVLButton::setCakeHidden(BOOL hidden) const
 {
-    objc::ivar<UIImageView, "buttonCakeView">(*this).setHidden(hidden);
+    kept<"buttonCakeView", UIImageView>(*this).setHidden(hidden);
 }
 
 void CVLButton::fadeOutAnimationButton() const

@@ -1,4 +1,4 @@
-// CVLButton: one contact's photo in the strip. It carries what the actions need to know of the contact.
+// CVLButton: one contact's photo in the strip. It carries what the actions need to know of the contact. A nil button knows nothing.
 #pragma once
 
 #include "platform/uikit.hpp"

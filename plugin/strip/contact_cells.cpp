@@ -143,7 +143,7 @@ UILabel makeNameLabel(NSDictionary entry, UIView button)
 
 void addNameLabel(UICollectionViewCell cell, UILabel label, UIView button)
 {
-    if (cell.subviews().containsObject(label))
+    if (!label || cell.subviews().containsObject(label))
         return;
     cell.addSubview(label);
     label.setTranslatesAutoresizingMaskIntoConstraints(false);
@@ -159,7 +159,10 @@ void addNameLabel(UICollectionViewCell cell, UILabel label, UIView button)
 
 NSInteger CVLView::numberOfItemsInSection(UICollectionView, NSInteger section) const
 {
-    return section == 0 ? static_cast<NSInteger>(list().count()) : 0;
+    // No cells where the system has no class for them: the row raises for a cell that it can't get.
+    return section == 0 && CVLContactCell::cls() && kContactCellIdentifier()
+        ? static_cast<NSInteger>(list().count())
+        : 0;
 }
 
 UICollectionViewCell CVLView::cellForItemAtIndexPath(UICollectionView row, NSIndexPath path) const
@@ -171,12 +174,11 @@ UICollectionViewCell CVLView::cellForItemAtIndexPath(UICollectionView row, NSInd
         == UIUserInterfaceLayoutDirectionRightToLeft)
         cell.setTransform(CGAffineTransformMakeScale(-1.0, 1.0));
     clear(cell);
-    if (!entry) {
+    CVLButton const button = entry ? makeButton(*this, entry) : CVLButton {};
+    if (!button) {
         releaseIdleTimer();
         return cell;
     }
-
-    CVLButton const button = makeButton(*this, entry);
     if (!cell.subviews().containsObject(button))
         cell.addSubview(button);
     if (stripState().mainPrefsStruct->birthdayFrame)
