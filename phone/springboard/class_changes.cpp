@@ -60,10 +60,15 @@ Error missing(std::string_view kind, std::string_view name, std::string_view tex
         + "`" };
 }
 
-// What has been taken, under the text that named it: how it is given back.
-std::multimap<std::string, std::function<void()>, std::less<>>& takenMembers()
+struct TakenMember {
+    Class from;
+    std::function<void()> giveBack;
+};
+
+// Under the text that named it.
+std::multimap<std::string, TakenMember, std::less<>>& takenMembers()
 {
-    static std::multimap<std::string, std::function<void()>, std::less<>> members;
+    static std::multimap<std::string, TakenMember, std::less<>> members;
     return members;
 }
 
@@ -78,8 +83,9 @@ bool removeMethod(Class cls, std::string const& selector, std::string_view text)
             std::copy(list->rows + i + 1, list->rows + list->count, list->rows + i);
             --list->count;
             isRemoved = true;
-            takenMembers().emplace(
-                text, [cls, row] { class_addMethod(cls, row.selector, row.implementation, row.encoding); });
+            takenMembers().emplace(text,
+                TakenMember { cls,
+                    [cls, row] { class_addMethod(cls, row.selector, row.implementation, row.encoding); } });
         }
     }
     if (isRemoved)
@@ -94,7 +100,7 @@ bool removeIvar(Class cls, std::string const& name, std::string_view text)
         return false;
     for (IvarRow* row = list->rows; row != list->rows + list->count; ++row)
         if (name == row->name) {
-            takenMembers().emplace(text, [row, was = row->name] { row->name = was; });
+            takenMembers().emplace(text, TakenMember { cls, [row, was = row->name] { row->name = was; } });
             row->name = "";
             return true;
         }
@@ -127,7 +133,7 @@ Status restoreMember(std::string_view text)
     if (first == last)
         return missing("member", text, text);
     for (auto row = first; row != last; ++row)
-        row->second();
+        row->second.giveBack();
     takenMembers().erase(first, last);
     return {};
 }
@@ -143,8 +149,16 @@ Status addMethod(std::string_view text)
     std::string encoding = "@@:";
     encoding.append(static_cast<std::size_t>(std::count(selector.begin(), selector.end(), ':')), '@');
     auto* const answerNil = +[](id, SEL) -> id { return nullptr; };
-    class_addMethod(
-        cls, sel_registerName(selector.c_str()), reinterpret_cast<IMP>(answerNil), encoding.c_str());
+    auto const add = [&](Class owner) {
+        class_addMethod(
+            owner, sel_registerName(selector.c_str()), reinterpret_cast<IMP>(answerNil), encoding.c_str());
+    };
+    // One that was taken away comes where it was: it may have been the class's own.
+    auto const [first, last] = takenMembers().equal_range(text);
+    for (auto row = first; row != last; ++row)
+        add(row->second.from);
+    if (first == last)
+        add(cls);
     return {};
 }
 

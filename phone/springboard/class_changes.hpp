@@ -20,7 +20,7 @@ Status removeMember(std::string_view text);
 Status restoreMember(std::string_view text);
 
 // Adds a method without effect, answering nil, to a class: `Class selector:`. One that the class has of its
-// own stays as it is, and that is no error.
+// own stays as it is, and that is no error. After removeMember of the same text it takes the place of what went.
 Status addMethod(std::string_view text);
 
 }

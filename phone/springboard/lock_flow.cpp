@@ -119,8 +119,11 @@ void showLockScreen()
 void startFinish()
 {
     auto& state = springBoard();
-    sendHookable<"_finishUIUnlockFromSource:withOptions:", BOOL>(
-        state.lockScreenManager, kUnlockSourcePasscode, objc::handle {});
+    if (state.lockScreenManager->responds<"_finishUIUnlockFromSource:withOptions:">())
+        sendHookable<"_finishUIUnlockFromSource:withOptions:", BOOL>(
+            state.lockScreenManager, kUnlockSourcePasscode, objc::handle {});
+    else
+        finishUnlock();
     // Swallowed: the lock screen stays.
     if (!state.isDismissing && state.isPasscodeShown)
         hidePasscode({});

@@ -18,12 +18,13 @@ void notePrevious(Json arguments = Json::array(), Json result = nullptr)
                 { "arguments", std::move(arguments) }, { "result", std::move(result) } });
 }
 
-// Sends a message that a plug-in's replacement may answer: what it causes is the plug-in's doing.
+// Sends a message that a plug-in's replacement may answer: what it causes is the plug-in's doing. Nothing on a phone whose class
+// lacks the method.
 template <objc::fixed_string Selector, class R = void, class... A>
 R sendHookable(objc::handle receiver, A const&... arguments)
 {
     CalloutScope const scope(receiver, objc::selector<Selector>());
-    return receiver.send<Selector, R>(arguments...);
+    return receiver.ask<Selector, R>(arguments...);
 }
 
 }
