@@ -360,13 +360,23 @@ Status Phone::cancelPasscode()
     return cancelled;
 }
 
+ActivatorAnswer Phone::activate(std::string const& listenerName)
+{
+    AutoreleasePool const pool;
+    ActivatorAnswer const answer = sendActivatorEvent(listenerName);
+    settle();
+    return answer;
+}
+
 Status Phone::setOrientation(int orientation, OrientationNotifications notifications)
 {
     if (orientation < 1 || orientation > 4)
         return Error { "an orientation is 1 to 4" };
     AutoreleasePool const pool;
+    int const from = screenOrientation();
     setScreenOrientation(orientation);
     layOutSpringBoard();
+    turnSpringBoard(from);
     if (notifications.screenChanged)
         postNotification(NotificationCenterKind::darwin, kScreenChanged);
     if (notifications.windowRotated)

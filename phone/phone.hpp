@@ -5,6 +5,7 @@
 // Points are the screen's, as it stands in the present orientation. Objects that are handed out are lent.
 #pragma once
 
+#include "phone/apps/activator.hpp"
 #include "phone/kernel/boot_options.hpp"
 #include "phone/kernel/clock.hpp"
 #include "phone/kernel/device_root.hpp"
@@ -104,6 +105,9 @@ public:
     // Types the code on the passcode screen. Accepted or not; an error when there is no passcode screen.
     Result<bool> enterPasscode(std::string const& code);
     Status cancelPasscode();
+
+    // The gesture that Activator has assigned to the listener of this name.
+    ActivatorAnswer activate(std::string const& listenerName);
 
     // 1 portrait, 2 upside down, 3 and 4 landscape: the front-most application's, the lock screen's too.
     Status setOrientation(int orientation, OrientationNotifications = {});

@@ -1,10 +1,14 @@
 #include "phone/apps/app_card.hpp"
 
+#include "objc/define.hpp"
 #include "phone/apps/applications.hpp"
 #include "phone/apps/modal_card.hpp"
 #include "phone/foundation/strings.hpp"
 #include "phone/graphics/app_icon.hpp"
+#include "phone/graphics/path.hpp"
 #include "phone/springboard/scene_parts.hpp"
+#include "phone/uikit/animation.hpp"
+#include "phone/uikit/ui_touch.hpp"
 
 namespace phone {
 
@@ -15,6 +19,87 @@ using graphics::Color;
 // Points.
 constexpr double kIconSide = 84;
 constexpr double kMargin = 24;
+
+// Neither white nor black, so that what lies above an application stands out from it.
+UIColor cardColor() { return UIColor::dynamic(Color::hex(0xd9e2f1), Color::hex(0x1d2536)); }
+
+constexpr double kTouchMark = 44;
+constexpr double kLeftMarkAlpha = 0.45;   // of a touch that is over
+constexpr double kMarkFadeSeconds = 0.3;
+
+// What an application shows of the touches that reach it: where the last one is or was, and how many there were.
+struct AppTouches {
+    objc::ref<DrawnView> mark;
+    int count { 0 };
+};
+
+struct AppView : objc::subclass<AppView, "SBApplicationCardView", LayoutView> {
+    using subclass::subclass;
+
+    AppTouches& touches() const { return objc::state<AppTouches>(*this); }
+
+    void markAt(objc::handle touches) const
+    {
+        AppTouches& state = this->touches();
+        if (state.mark)
+            state.mark->setCenter(touches.send<"anyObject", UITouch>().locationInView(*this));
+    }
+    void makeMark() const
+    {
+        AppTouches& state = touches();
+        if (state.mark)
+            state.mark->removeFromSuperview();
+        std::string const number = std::to_string(++state.count);
+        state.mark = DrawnView::make({ {}, { kTouchMark, kTouchMark } },
+            [number](DrawContext& context, CGRect bounds) { drawMark(context, bounds, number); });
+        identify(state.mark, "touch");
+        state.mark->setAccessibilityLabel(toNSString(number));
+        addSubview(state.mark);
+    }
+    void leaveMark() const
+    {
+        if (auto const mark = touches().mark)
+            animateWithOptions(kMarkFadeSeconds, 0, AnimationOption::allowUserInteraction,
+                [mark] { mark->setAlpha(kLeftMarkAlpha); });
+    }
+    static void drawMark(DrawContext& context, CGRect bounds, std::string const& number)
+    {
+        graphics::Rect const circle = toGraphics(bounds).inset(2, 2);
+        Color const color = context.dark ? Color::hex(0x0a84ff) : Color::hex(0x007aff);
+        graphics::addCircle(context.cairo, { circle.midX(), circle.midY() }, circle.width / 2);
+        graphics::fill(context.cairo, Color { color.red, color.green, color.blue, 0.3 });
+        graphics::addCircle(context.cairo, { circle.midX(), circle.midY() }, circle.width / 2);
+        graphics::stroke(context.cairo, color, 2);
+        graphics::TextStyle style;
+        style.font = graphics::systemFont(17, graphics::FontWeight::kSemibold);
+        style.alignment = graphics::TextAlignment::center;
+        style.minimumScale = 0.5;
+        graphics::drawText(context.cairo, number, style, circle, color);
+    }
+
+    // Passed on as well: the screen's lower edge leads home from any application.
+    void touchesBegan(objc::handle touches, objc::handle event) const
+    {
+        makeMark();
+        markAt(touches);
+        objc::send_super<AppView, "touchesBegan:withEvent:">(*this, touches, event);
+    }
+    void touchesMoved(objc::handle touches, objc::handle event) const
+    {
+        markAt(touches);
+        objc::send_super<AppView, "touchesMoved:withEvent:">(*this, touches, event);
+    }
+    void touchesEnded(objc::handle touches, objc::handle event) const
+    {
+        leaveMark();
+        objc::send_super<AppView, "touchesEnded:withEvent:">(*this, touches, event);
+    }
+    void touchesCancelled(objc::handle touches, objc::handle event) const
+    {
+        leaveMark();
+        objc::send_super<AppView, "touchesCancelled:withEvent:">(*this, touches, event);
+    }
+};
 
 struct CardViews {
     objc::ref<DrawnView> icon;
@@ -45,12 +130,23 @@ void layOut(CardViews const& views, CGRect bounds)
 
 }
 
+void defineAppCard()
+{
+    objc::define<AppView>()
+        .state<AppTouches>()
+        .method<"touchesBegan:withEvent:", &AppView::touchesBegan>()
+        .method<"touchesMoved:withEvent:", &AppView::touchesMoved>()
+        .method<"touchesEnded:withEvent:", &AppView::touchesEnded>()
+        .method<"touchesCancelled:withEvent:", &AppView::touchesCancelled>()
+        .install();
+}
+
 objc::ref<UIView> makeAppCard(std::string const& identifier, std::string const& url)
 {
     Application const* const known = applicationWithIdentifier(identifier);
     std::string const name = known ? known->name : identifier;
-    auto const card = LayoutView::make();
-    card->setBackgroundColor(UIColor::systemBackgroundColor());
+    auto const card = phone::make<AppView>();
+    card->setBackgroundColor(cardColor());
     identify(card.get(), "application");
 
     CardViews views;

@@ -31,6 +31,10 @@ constexpr Application kApplications[] {
     { "com.apple.Preferences", "Settings", "", "", AppIcon::settings },
     { "com.apple.Music", "Music", "", "", AppIcon::music },
     { "com.apple.mobilesafari", "Browser", "", "", AppIcon::browser },
+    { "com.apple.weather", "Weather", "", "", std::nullopt },
+    { "com.apple.mobilenotes", "Notes", "", "", std::nullopt },
+    { "com.apple.Maps", "Maps", "", "", std::nullopt },
+    { "com.apple.podcasts", "Radio", "", "", std::nullopt },
 };
 
 std::string& frontMostBeforeCall()

@@ -1,5 +1,7 @@
 #include "phone/apps/apps.hpp"
 
+#include "phone/apps/activator.hpp"
+#include "phone/apps/app_card.hpp"
 #include "phone/apps/call_card.hpp"
 #include "phone/apps/cn_contact.hpp"
 #include "phone/apps/composers.hpp"
@@ -11,7 +13,9 @@ namespace phone {
 
 void defineApplications()
 {
+    defineActivator();
     defineLayoutView();
+    defineAppCard();
     defineCallCard();
     defineSiriCard();
     defineComposers();

@@ -33,9 +33,14 @@ Status setAvailable(std::string const& name, bool isAvailable)
     } else if (!isService(name) && !objc_getClass(name.c_str())) {
         return Error { "`" + name + "` is no service and no class of the phone" };
     }
-    std::erase(absent, name);
-    if (!isAvailable)
-        absent.push_back(name);
+    auto const set = [&absent, isAvailable](std::string const& each) {
+        std::erase(absent, each);
+        if (!isAvailable)
+            absent.push_back(each);
+    };
+    set(name);
+    if (name == "activator")
+        set("LAActivator");   // what tells a plug-in whether it is installed
     if (name == "killall")
         applyAbsentCommands();
     return {};

@@ -13,6 +13,7 @@
 #include "phone/uikit/ui_screen.hpp"
 
 #include <optional>
+#include <utility>
 
 namespace phone {
 
@@ -23,24 +24,36 @@ using graphics::AppIcon;
 // Neutral drawings of our own; letters where there is none.
 struct IconRow {
     char const* name;
+    char const* application;   // that a touch opens
     std::optional<AppIcon> icon;
 };
 constexpr IconRow kIcons[] {
-    { "Calendar", AppIcon::calendar },
-    { "Contacts", AppIcon::contacts },
-    { "Settings", AppIcon::settings },
-    { "Video", AppIcon::video },
-    { "Weather", std::nullopt },
-    { "Notes", std::nullopt },
-    { "Maps", std::nullopt },
-    { "Radio", std::nullopt },
-    { "Phone", AppIcon::phone },
-    { "Browser", AppIcon::browser },
-    { "Messages", AppIcon::messages },
-    { "Music", AppIcon::music },
+    { "Calendar", "com.apple.mobilecal", AppIcon::calendar },
+    { "Contacts", "com.apple.MobileAddressBook", AppIcon::contacts },
+    { "Settings", "com.apple.Preferences", AppIcon::settings },
+    { "Video", "com.apple.facetime", AppIcon::video },
+    { "Weather", "com.apple.weather", std::nullopt },
+    { "Notes", "com.apple.mobilenotes", std::nullopt },
+    { "Maps", "com.apple.Maps", std::nullopt },
+    { "Radio", "com.apple.podcasts", std::nullopt },
+    { "Phone", "com.apple.mobilephone", AppIcon::phone },
+    { "Browser", "com.apple.mobilesafari", AppIcon::browser },
+    { "Messages", "com.apple.MobileSMS", AppIcon::messages },
+    { "Music", "com.apple.Music", AppIcon::music },
 };
 constexpr std::size_t kDockIcons = 4;
 constexpr double kIconSide = 60;   // points
+
+struct HomeTouch {
+    EdgeSwipe swipe;
+    std::string application;   // whose icon the finger came down on
+};
+
+std::string applicationUnder(UIView view, objc::handle touches)
+{
+    auto const& home = springBoard().home;
+    return home ? home->applicationAt(touches.send<"anyObject", UITouch>().locationInView(view)) : "";
+}
 
 struct HomeView : objc::subclass<HomeView, "SBHomeScreenView", UIView> {
     using subclass::subclass;
@@ -50,14 +63,25 @@ struct HomeView : objc::subclass<HomeView, "SBHomeScreenView", UIView> {
         if (auto const& home = springBoard().home)
             home->layOut();
     }
-    EdgeSwipe& swipe() const { return objc::state<EdgeSwipe>(*this); }
-    void touchesBegan(objc::handle touches, objc::handle) const { swipe().begin(*this, touches); }
+    HomeTouch& touch() const { return objc::state<HomeTouch>(*this); }
+    void touchesBegan(objc::handle touches, objc::handle) const
+    {
+        touch().swipe.begin(*this, touches);
+        touch().application = applicationUnder(*this, touches);
+    }
     void touchesMoved(objc::handle touches, objc::handle) const
     {
-        if (swipe().isDone(*this, touches))
+        if (touch().swipe.isDone(*this, touches))
             launchApplication(kSpringBoardIdentifier);
     }
-    void touchesEnded(objc::handle, objc::handle) const { swipe().end(); }
+    void touchesEnded(objc::handle touches, objc::handle) const
+    {
+        touch().swipe.end();
+        std::string const application = std::exchange(touch().application, {});
+        if (!application.empty() && application == applicationUnder(*this, touches))
+            launchApplication(application);
+    }
+    void touchesCancelled(objc::handle, objc::handle) const { touch() = {}; }
 };
 
 struct HomeController : objc::subclass<HomeController, "SBHomeScreenViewController", UIViewController> {
@@ -71,7 +95,7 @@ DrawnView::Draw drawerOf(IconRow const& row)
         if (row.icon)
             graphics::drawAppIcon(context.cairo, *row.icon, toGraphics(bounds));
         else
-            graphics::drawLetterIcon(context.cairo, row.name, row.name, toGraphics(bounds));
+            graphics::drawLetterIcon(context.cairo, row.name, row.application, toGraphics(bounds));
     };
 }
 
@@ -144,6 +168,16 @@ void HomeScreenScene::layOutIcons(CGRect bounds)
     }
 }
 
+std::string HomeScreenScene::applicationAt(CGPoint point) const
+{
+    if (m_card)
+        return {};
+    for (std::size_t i = 0; i < m_icons.size(); ++i)
+        if (contains(m_icons[i].view->frame(), point))
+            return kIcons[i].application;
+    return {};
+}
+
 void HomeScreenScene::updateClock() { m_statusBar->updateClock(); }
 
 void HomeScreenScene::setForeground(graphics::Color const& color)
@@ -160,6 +194,10 @@ void HomeScreenScene::setCard(objc::ref<UIView> card)
     if (m_card)
         m_card->removeFromSuperview();
     m_card = std::move(card);
+    // Nothing of what is covered shows at the edges while the screen turns; there the card's colour goes on.
+    m_wallpaper->setHidden(bool(m_card));
+    if (UIWindow const window = m_root.window())
+        window.setBackgroundColor(m_card ? m_card->backgroundColor() : UIColor::blackColor());
     // On the wallpaper white; on a card as its text.
     setForeground(m_card && !isDark() ? graphics::Color::black() : graphics::Color::white());
     if (!m_card)
@@ -171,12 +209,12 @@ void HomeScreenScene::setCard(objc::ref<UIView> card)
 void defineHomeScreen()
 {
     objc::define<HomeView>()
-        .state<EdgeSwipe>()
+        .state<HomeTouch>()
         .method<"layoutSubviews", &HomeView::layoutSubviews>()
         .method<"touchesBegan:withEvent:", &HomeView::touchesBegan>()
         .method<"touchesMoved:withEvent:", &HomeView::touchesMoved>()
         .method<"touchesEnded:withEvent:", &HomeView::touchesEnded>()
-        .method<"touchesCancelled:withEvent:", &HomeView::touchesEnded>()
+        .method<"touchesCancelled:withEvent:", &HomeView::touchesCancelled>()
         .install();
     objc::define<HomeController>().method<"loadView", &HomeController::loadView>().install();
 }

@@ -23,6 +23,9 @@ public:
     void layOut();
     void updateClock();
 
+    // Whose icon is at the point of the scene's root; empty for none, and where a card covers it.
+    std::string applicationAt(CGPoint point) const;
+
     // Covers the icons with an application's card, or uncovers them (none).
     void setCard(objc::ref<UIView> card);
 

@@ -14,11 +14,14 @@
 #include "phone/springboard/passcode_pad.hpp"
 #include "phone/springboard/previous.hpp"
 #include "phone/springboard/system_classes.hpp"
+#include "phone/uikit/animation.hpp"
 #include "phone/uikit/touch_delivery.hpp"
 #include "phone/uikit/ui_gesture_recognizer.hpp"
 #include "phone/uikit/ui_screen.hpp"
 
+#include <array>
 #include <cmath>
+#include <numbers>
 
 namespace phone {
 
@@ -28,6 +31,8 @@ namespace {
 constexpr double kCoverSheetLevel = 1050;
 
 constexpr double kMinute = 60;
+
+constexpr double kTurnSeconds = 0.3;   // for a quarter: UIKit's statusBarOrientationAnimationDuration
 
 std::unique_ptr<SpringBoardState>& running()
 {
@@ -170,6 +175,26 @@ void layOutSpringBoard()
     }
     layOutApplications();
     layoutWindowsIfNeeded();
+}
+
+void turnSpringBoard(int from)
+{
+    // Quarters to the right of upright in which the interface stands on the display.
+    static constexpr std::array kQuarters { 0, 0, 2, 1, 3 };
+    auto const quarters = [](int orientation) { return kQuarters[static_cast<std::size_t>(orientation)]; };
+    int const turned = (quarters(from) - quarters(screenOrientation()) + 4) % 4;
+    if (turned == 0)
+        return;
+    double const angle = (turned == 3 ? -1 : turned) * std::numbers::pi / 2;
+    auto& state = springBoard();
+    for (UIWindow const window : { state.homeWindow.get(), state.coverSheetWindow.get() }) {
+        UIView const view = window.rootViewController().view();
+        if (window.isHidden() || !isIdentity(view.transform()))
+            continue;
+        view.setTransform(rotation(angle));
+        animateWithOptions(kTurnSeconds * (turned == 2 ? 2 : 1), 0, AnimationOption::allowUserInteraction,
+            [view] { view.setTransform(kIdentity); });
+    }
 }
 
 }

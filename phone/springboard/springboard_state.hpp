@@ -69,5 +69,7 @@ void startSpringBoard(bool isMusicPlaying);
 
 // The screen has turned: windows take its bounds and lay out anew.
 void layOutSpringBoard();
+// And what they show turns into place, from how it stood in this orientation.
+void turnSpringBoard(int from);
 
 }

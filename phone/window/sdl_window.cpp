@@ -32,6 +32,9 @@ constexpr int kIdleMilliseconds = 40;    // while nothing does: timers are still
 constexpr double kDesktopBars = 80;      // pixels that the desktop's bars and a title take, about
 constexpr double kDotsPerScale = 96;     // dots per inch of a display at scale 1
 
+constexpr char kHome[] = "com.apple.springboard";
+constexpr char kSomeApplication[] = "com.apple.mobilenotes";
+
 constexpr std::size_t kColumnsUnder = 3;   // of the legend under a phone that lies on its side
 
 Legend legendIn(std::size_t columns)
@@ -45,6 +48,9 @@ Legend legendIn(std::size_t columns)
                  { "esc", "cancel the passcode" },
                  { "R", "rotate" },
                  { "M", "music on and off" },
+                 { "A", "open an app, leave it" },
+                 { "O", "gesture: overlay strip" },
+                 { "H", "gesture: hide the strip" },
                  { "Q", "quit" },
              },
         columns };
@@ -262,6 +268,12 @@ struct PhoneWindow::Parts {
             break;
         case SDLK_r: rotate(); break;
         case SDLK_m: device.setMusicPlaying(!device.isMusicPlaying()); break;
+        case SDLK_a:
+            static_cast<void>(
+                device.launch(device.frontMostApplication() == kHome ? kSomeApplication : kHome));
+            break;
+        case SDLK_o: static_cast<void>(device.activate("com.orvane.corvelNONLS")); break;
+        case SDLK_h: static_cast<void>(device.activate("com.orvane.corvelLS")); break;
         default: break;
         }
         return true;
