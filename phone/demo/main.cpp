@@ -41,7 +41,8 @@ int main(int count, char** words)
         return fail("cannot make the folder " + folder.string() + ": " + failure.message());
 
     Phone::warmUp();
-    auto const results = runScenes(demoScenes(), folder);
+    auto const scenes = demoScenes();
+    auto const results = runScenes(scenes, folder);
     int status = EXIT_SUCCESS;
     for (SceneResult const& result : results) {
         if (result.problem.empty())

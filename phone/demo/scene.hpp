@@ -4,8 +4,12 @@
 #include "phone/phone.hpp"
 
 #include <span>
+#include <vector>
 
 namespace phone {
+
+// After which nothing moves any more.
+inline constexpr double kSecondsToRest = 1.5;
 
 struct Scene {
     char const* name;      // of the picture's file, without .png
@@ -13,9 +17,12 @@ struct Scene {
     char const* caption;   // what there is to see; a sentence
     void (*prepare)(BootOptions& options);
     void (*act)(Phone& device) = nullptr;   // after the boot; null: nothing is done
+    double rest = kSecondsToRest;           // seconds from there to the picture; 0: in mid-movement
 };
 
-// In the order in which they are shown.
-std::span<Scene const> demoScenes();
+// In the order in which they are shown; by subject.
+std::vector<Scene> demoScenes();
+std::span<Scene const> lockScreenScenes();
+std::span<Scene const> overlayScenes();
 
 }

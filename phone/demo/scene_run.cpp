@@ -18,8 +18,7 @@ namespace phone {
 
 namespace {
 
-constexpr double kPictureScale = 2;      // pixels per point
-constexpr double kSecondsToRest = 1.5;   // after which nothing moves any more
+constexpr double kPictureScale = 2;   // pixels per point
 constexpr char kPasscode[] = "1234";
 
 std::string numberText(double number)
@@ -83,9 +82,13 @@ std::string transcriptOf(Phone& device)
             text +=
                 "    " + withoutAddresses(event.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
     }
-    text += "  strip, with frames in points (x, y, width, height):\n";
-    appendTree(
-        text, viewTree(device.strip(), { .detail = false, .presentation = false, .handles = false }), 0);
+    for (auto const& [name, view] :
+        { std::pair { "strip", device.strip() }, { "overlay", device.overlay() } }) {
+        if (!view)
+            continue;
+        text += std::string("  ") + name + ", with frames in points (x, y, width, height):\n";
+        appendTree(text, viewTree(view, { .detail = false, .presentation = false, .handles = false }), 0);
+    }
     return text;
 }
 
@@ -108,7 +111,8 @@ std::string play(Scene const& scene, std::filesystem::path const& picturePath, s
     device.advance(kSecondsToRest);
     if (scene.act) {
         scene.act(device);
-        device.advance(kSecondsToRest);
+        if (scene.rest > 0)
+            device.advance(scene.rest);
     }
     Renderer renderer;
     DeviceFrame const frame({ options.width, options.height }, device.orientation());

@@ -148,6 +148,14 @@ constexpr Scene kScenes[] {
 
 }
 
-std::span<Scene const> demoScenes() { return kScenes; }
+std::span<Scene const> lockScreenScenes() { return kScenes; }
+
+std::vector<Scene> demoScenes()
+{
+    std::vector<Scene> all;
+    for (auto const scenes : { lockScreenScenes(), overlayScenes() })
+        all.insert(all.end(), scenes.begin(), scenes.end());
+    return all;
+}
 
 }
