@@ -25,6 +25,7 @@
 #include "phone/uikit/ui_screen.hpp"
 #include "phone/uikit/uikit.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -50,19 +51,7 @@ constexpr char kWindowRotated[] = "UIWindowDidRotateNotification";
 // Points and pixels a point that a screen may have.
 constexpr double kMinSide = 240, kMaxSide = 2000, kMaxScale = 4;
 
-Status check(BootOptions const& options)
-{
-    auto const isSide = [](double side) { return side >= kMinSide && side <= kMaxSide; };
-    if (!isSide(options.width) || !isSide(options.height))
-        return Error { "a screen is 240 to 2000 points wide and high" };
-    if (!(options.scale >= 1 && options.scale <= kMaxScale))
-        return Error { "a screen's scale is 1 to 4" };
-    if (options.coreFoundation && !std::isfinite(*options.coreFoundation))
-        return Error { "the CoreFoundation number is no number" };
-    if (options.passcode && options.passcode->empty())
-        return Error { "a passcode has at least one character" };
-    return {};
-}
+constexpr std::size_t kLongestLanguage = 35;   // letters of a language tag, with room to spare
 
 // The build's library folder, beside the one that this program lies in.
 std::filesystem::path buildPluginFolder()
@@ -126,6 +115,26 @@ void Phone::warmUp()
     openOutermostPool();
 }
 
+Status Phone::check(BootOptions const& options)
+{
+    auto const isSide = [](double side) { return side >= kMinSide && side <= kMaxSide; };
+    if (!isSide(options.width) || !isSide(options.height))
+        return Error { "a screen is 240 to 2000 points wide and high" };
+    if (!(options.scale >= 1 && options.scale <= kMaxScale))
+        return Error { "a screen's scale is 1 to 4" };
+    if (options.coreFoundation && !std::isfinite(*options.coreFoundation))
+        return Error { "the CoreFoundation number is no number" };
+    bool const isTag = !options.language.empty() && options.language.size() <= kLongestLanguage
+        && std::ranges::all_of(options.language, [](char c) {
+               return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+           });
+    if (!isTag)
+        return Error { "a language is a code as en, he or zh-Hant" };
+    if (options.passcode && options.passcode->empty())
+        return Error { "a passcode has at least one character" };
+    return {};
+}
+
 void Phone::useRoot(DeviceRoot root) { m_root.emplace(std::move(root)); }
 
 void Phone::usePluginFolders(std::vector<std::filesystem::path> folders)
@@ -149,8 +158,12 @@ Status Phone::openRoot(RestartState const* restart)
         m_root.emplace(std::move(*root));
     }
     deviceRoot() = &*m_root;
-    if (restart)
+    if (restart) {
+        for (auto const& [path, fault] : restart->faults)
+            if (auto const set = m_root->setFault(path, fault); !set)
+                return set.error();
         return {};
+    }
 
     auto files = starterFiles(m_options);
     if (!files)
@@ -198,8 +211,10 @@ Status Phone::bootWith(BootOptions const& options, RestartState const* restart)
     AutoreleasePool const pool;
 
     m_options = options;
-    if (restart)
+    if (restart) {
         m_options.locked = true;
+        m_options.absent = restart->absent;
+    }
     m_coreFoundationNumber = options.coreFoundationNumber();
     bootOptions() = m_options;
     Clock::Start const start =
@@ -232,7 +247,7 @@ Status Phone::bootWith(BootOptions const& options, RestartState const* restart)
         state->application =
             objc::adopt(UIApplication { SpringBoard::alloc().send<"init", objc::handle>().object });
         installSpringBoard(std::move(state));
-        if (auto const changed = applyClassChanges(options); !changed)
+        if (auto const changed = applyClassChanges(m_options); !changed)
             return changed;
     }
     recordStripFrames();
@@ -259,7 +274,7 @@ void Phone::setRestartHandler(std::function<void()> restart)
 RestartState Phone::restartState() const
 {
     return { clock().state(), trace().state(), m_root->folder(), springBoard().isMusicPlaying,
-        addressBookEntries() };
+        addressBookEntries(), bootOptions().absent, m_root->faults() };
 }
 
 Status Phone::advance(double seconds)

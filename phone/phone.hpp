@@ -36,6 +36,9 @@ struct RestartState {
     std::filesystem::path root;   // the device root's folder on this computer
     bool isMusicPlaying { false };
     Json addressBook;   // entries; null for the starter set
+    std::vector<std::string>
+        absent;   // as in BootOptions, which it supersedes: it may have changed meanwhile
+    std::vector<std::pair<std::string, FileFault>> faults;   // of the device root
 };
 
 struct OrientationNotifications {
@@ -66,6 +69,9 @@ public:
     Status boot(BootOptions const&);
     Status boot(BootOptions const&, RestartState const&);
     bool isBooted() const { return m_isBooted; }
+
+    // What boot() says of the options before it does anything.
+    static Status check(BootOptions const&);
 
     // Lets go of the device root: a temporary one is removed from this computer. Called at exit; whoever ends
     // the process otherwise calls it before.

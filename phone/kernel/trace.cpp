@@ -35,9 +35,9 @@ std::size_t Trace::threadNumber()
     return m_threads.size() - 1;
 }
 
-void Trace::record(std::string_view kind, Json fields)
+// The lock is held.
+void Trace::add(std::string_view kind, Json fields)
 {
-    std::lock_guard lock(m_mutex);
     Json event;
     event["n"] = m_events.size();
     event["t"] = tidy(m_clock.now());
@@ -51,8 +51,35 @@ void Trace::record(std::string_view kind, Json fields)
     if (TraceOwnScope::isActive())
         event["own"] = true;
     m_events.push_back(std::move(event));
+}
+
+void Trace::print(Json const& event) const
+{
     if (m_sink)
-        m_sink(m_events.back().dump(-1, ' ', false, Json::error_handler_t::replace));
+        m_sink(event.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+void Trace::record(std::string_view kind, Json fields)
+{
+    std::lock_guard lock(m_mutex);
+    add(kind, std::move(fields));
+    print(m_events.back());
+}
+
+std::size_t Trace::begin(std::string_view kind, Json fields)
+{
+    std::lock_guard lock(m_mutex);
+    add(kind, std::move(fields));
+    return m_events.size() - 1;
+}
+
+void Trace::finish(std::size_t n, std::string const& key, Json value)
+{
+    std::lock_guard lock(m_mutex);
+    if (n >= m_events.size())   // the trace began anew meanwhile
+        return;
+    m_events[n][key] = std::move(value);
+    print(m_events[n]);
 }
 
 Json Trace::events(std::size_t since) const

@@ -36,6 +36,11 @@ public:
     // TraceOwnScope of this thread. Text that is not UTF-8 is printed with replacement characters.
     void record(std::string_view kind, Json fields = nullptr);
 
+    // An event whose last field is known only when what it tells of is over: begin() records it without the
+    // field (nothing goes to the sink yet) and answers its `n`; finish() adds the field and tells the sink.
+    std::size_t begin(std::string_view kind, Json fields);
+    void finish(std::size_t n, std::string const& key, Json value);
+
     // The events with `n` >= since, oldest first, as an array.
     Json events(std::size_t since = 0) const;
     // How many there are: also the `n` that the next event gets.
@@ -57,6 +62,8 @@ public:
 
 private:
     std::size_t threadNumber();
+    void add(std::string_view kind, Json fields);
+    void print(Json const& event) const;
 
     Clock const& m_clock;
     mutable std::recursive_mutex m_mutex;     // guards everything below

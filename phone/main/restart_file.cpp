@@ -15,9 +15,13 @@ Result<std::filesystem::path> writeRestartFile(RestartState const& state)
     if (file < 0)
         return Error { "the restarting phone cannot leave its state in " + path };
     close(file);
+    Json faults = Json::array();
+    for (auto const& [devicePath, fault] : state.faults)
+        faults.push_back(Json::array({ devicePath, fileFaultName(fault) }));
     Json const json { { "date", state.clock.date }, { "timezone", state.clock.timezone },
         { "now", state.clock.now }, { "events", state.events }, { "root", state.root.string() },
-        { "music", state.isMusicPlaying }, { "addressBook", state.addressBook } };
+        { "music", state.isMusicPlaying }, { "addressBook", state.addressBook }, { "absent", state.absent },
+        { "faults", std::move(faults) } };
     std::ofstream stream(path);
     stream << json.dump(-1, ' ', false, Json::error_handler_t::replace);
     stream.close();
@@ -43,6 +47,10 @@ Result<RestartState> takeRestartFile(std::filesystem::path const& path)
         state.root = json.at("root").get<std::string>();
         state.isMusicPlaying = json.at("music").get<bool>();
         state.addressBook = json.at("addressBook");
+        state.absent = json.at("absent").get<std::vector<std::string>>();
+        for (Json const& fault : json.at("faults"))
+            state.faults.emplace_back(fault.at(0).get<std::string>(),
+                fileFaultNamed(fault.at(1).get<std::string>()).value_or(FileFault::none));
     } catch (Json::exception const&) {
         return Error { path.string() + " is not what a restarting phone leaves" };
     }

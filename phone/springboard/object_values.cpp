@@ -8,6 +8,7 @@
 #include "phone/uikit/ui_color.hpp"
 #include "phone/uikit/ui_image.hpp"
 
+#include <map>
 #include <string>
 
 namespace phone {
@@ -53,11 +54,15 @@ Json dictionaryValue(NSDictionary dictionary, int depth)
 {
     Json entries = Json::object();
     auto const keys = dictionary.send<"allKeys", NSArray>();
+    // In the order of their texts: the same dictionary reads the same in every run.
+    std::map<std::string, objc::handle> sorted;
     for (NSUInteger i = 0; i < keys.count(); ++i) {
         objc::handle const key = keys.objectAtIndex(i);
-        entries[toString(key.send<"description", NSString>())] =
-            value(dictionary.send<"objectForKey:", objc::handle>(key), depth + 1);
+        sorted[toString(key.send<"description", NSString>())] =
+            dictionary.send<"objectForKey:", objc::handle>(key);
     }
+    for (auto const& [key, each] : sorted)
+        entries[key] = value(each, depth + 1);
     return entries;
 }
 
@@ -82,6 +87,9 @@ Json value(objc::handle object, int depth)
             return toJson(color.rgba());
         if (auto const image = objc::cast<UIImage>(object))
             return imageValue(image);
+        static objc::handle const null = objc::cls<"NSNull">().send<"null", objc::handle>();
+        if (object == null)
+            return nullptr;
     }
     return { { "class", classNameOf(object) },
         { "description", toString(object.send<"description", NSString>()) }, { "handle", handleOf(object) } };
