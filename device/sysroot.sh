@@ -8,7 +8,7 @@ set -euo pipefail
 
 die()
 {
-    printf 'sysroot.sh: %s\n' "$*" >&2
+    printf 'sysroot.sh: error: %s\n' "$*" >&2
     exit 1
 }
 

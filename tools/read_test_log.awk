@@ -50,6 +50,10 @@ match($0, /^ *[0-9]+\/[0-9]+ Test +#[0-9]+: /) {
     passed += good[program]
     failed += bad[program]
     skipped += left[program]
+    # The log may go on with another run of ctest, which counts from 1 again.
+    good[program] = bad[program] = left[program] = kept[program] = open[program] = 0
+    delete cases[program]
+    delete unit[program]
 }
 function casesWanted() { return casesOnly == "yes" }
 END {

@@ -4,14 +4,16 @@
 #
 # Uses from ./corvel: $root, $jobs, $mayInstall, say, die, takeValue, unknownArgument, tools/building.sh.
 
+readonly kTestSeconds=3600   # for a test program that hangs; one whose tests run on an emulated processor takes minutes
+
 runTests()
 {
     local name=release wanted="" value
-    local -a packages=(build test)
+    local -a packages=(build test) folders
     while (($#)); do
         case $1 in
             --sanitize) name=sanitize ;;
-            --device) name=device packages+=(package) ;;
+            --device) name=device packages+=(package device_test) ;;
             --filter) takeValue "$1" "$@" && wanted=$value && shift ;;
             --no-install) mayInstall=no ;;
             *) unknownArgument test "$1" ;;
@@ -19,27 +21,41 @@ runTests()
         shift
     done
     needPackages "${packages[@]}"
-    lockBuild "$name"
-    configure "$name"
-    build "$name"
-    unlockBuild
+    folders=("$name")
+    if [[ $name == device ]]; then
+        buildDevice
+        folders+=(device-phone)
+    else
+        lockBuild "$name"
+        configure "$name"
+        build "$name"
+        unlockBuild
+    fi
     needTool ctest cmake
 
     # The runtime keeps classes, selectors and constant texts for ever, so leaks are no finding here.
     export ASAN_OPTIONS=${ASAN_OPTIONS-detect_leaks=0:strict_string_checks=1:detect_stack_use_after_return=1}
     export UBSAN_OPTIONS=${UBSAN_OPTIONS-print_stacktrace=1:halt_on_error=1}
 
-    local -a command=(ctest --test-dir "$root/build/$name" -j "$jobs" --verbose --no-tests=error --timeout 900)
-    local casesOnly=no
+    local -a options=(-j "$jobs" --verbose --no-tests=error --timeout "$kTestSeconds")
+    local casesOnly=no folder
     if [[ -n $wanted ]]; then
         local pattern=${wanted//[^[:alnum:]_*]/.}
         pattern=${pattern//\*/.*}
-        if ctest --test-dir "$root/build/$name" -N -R "$pattern" 2>&1 | grep -qE '^ *Test +#[0-9]+:'; then
-            command+=(-R "$pattern")
+        # Those folders that have a test of the name. In none: it is that of a suite or a case; ours in Python are no suites.
+        local -a having=()
+        for folder in "${folders[@]}"; do
+            if ctest --test-dir "$root/build/$folder" -N -R "$pattern" 2>&1 | grep -qE '^ *Test +#[0-9]+:'; then
+                having+=("$folder")
+            fi
+        done
+        if ((${#having[@]})); then
+            folders=("${having[@]}")
+            options+=(-R "$pattern")
         else
-            # No test program has the name, so it is that of a suite or a case; ours in Python are no suites.
             export GTEST_FILTER="*$wanted*"
-            command+=(-E '^script[.]')
+            options+=(-E '^(script|device)[.]')
+            folders=("${folders[-1]}")
             casesOnly=yes
         fi
     fi
@@ -47,8 +63,44 @@ runTests()
     say "running the tests"
     startLog "test-$name"
     local status=0
-    "${command[@]}" < /dev/null 2>&1 | follow test || status=1
+    {
+        for folder in "${folders[@]}"; do
+            ctest --test-dir "$root/build/$folder" "${options[@]}" < /dev/null 2>&1 || status=1
+        done
+        ((status == 0))
+    } | follow test || status=1
     summarizeTests "$status" "$casesOnly" "$wanted"
+}
+
+# The iPhone's package, and the phone that runs its library: the same programs as the desktop's, which are built beside them.
+# The phone's libraries for arm64 are Debian's, unpacked in build/sysroot.
+buildDevice()
+{
+    local place
+    lockBuild device
+    configure device
+    build device
+    unlockBuild
+
+    lockBuild sysroot
+    startLog sysroot
+    say "unpacking libraries for arm64, where they are missing"
+    "$root/device/sysroot.sh" "$root/build/sysroot" < /dev/null 2>&1 | follow packages ||
+        failStep "unpacking libraries for arm64 failed"
+    unlockBuild
+
+    for place in release device-phone; do
+        lockBuild "$place"
+        configure "$place"
+        if [[ $place == release ]]; then
+            build release stories
+        else
+            build device-phone stories apple_library_test macho_test
+        fi
+        unlockBuild
+    done
+    # What an earlier run left is no result of this one.
+    rm -rf -- "$root/build/device-phone/stories"
 }
 
 # Prints failures and the line "N passed, N failed" from ctest's log. $1: ctest's status; $2: whether

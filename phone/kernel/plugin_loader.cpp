@@ -2,6 +2,7 @@
 
 #include "phone/kernel/elf_library.hpp"
 #include "phone/kernel/file.hpp"
+#include "phone/kernel/plugin_formats.hpp"
 #include "phone/kernel/property_list.hpp"
 
 #include <algorithm>
@@ -57,13 +58,30 @@ std::optional<bool> isInRange(PropertyList const& range, double number)
     return number == 0 || (number >= *lowest && number < *end);
 }
 
+std::vector<PluginFormat>& formats()
+{
+    static std::vector<PluginFormat> known;
+    return known;
+}
+
+// Nil: the desktop's own, or none at all.
+PluginFormat const* formatOf(fs::path const& library)
+{
+    for (PluginFormat const& format : formats()) {
+        if (library.extension() == format.extension)
+            return &format;
+    }
+    return nullptr;
+}
+
 // The libraries of one folder, in order of their names.
 std::vector<fs::path> librariesIn(fs::path const& folder)
 {
     std::vector<fs::path> libraries;
     std::error_code error;
     for (auto const& entry : fs::directory_iterator(folder, error)) {
-        if (entry.path().extension() == ".so" && !entry.is_directory(error))
+        bool const isLibrary = entry.path().extension() == ".so" || formatOf(entry.path());
+        if (isLibrary && !entry.is_directory(error))
             libraries.push_back(entry.path());
     }
     std::sort(libraries.begin(), libraries.end());
@@ -78,7 +96,10 @@ PluginReport reportOn(fs::path const& library)
     if (error)
         report.path = fs::absolute(library, error);
     report.name = library.stem().string();
-    if (auto elf = readElfLibrary(library)) {
+    if (PluginFormat const* const format = formatOf(library)) {
+        if (Status const read = format->read(report); !read)
+            report.problem = read.message();
+    } else if (auto elf = readElfLibrary(library)) {
         report.needed = std::move(elf->needed);
         report.imports = std::move(elf->imports);
     } else {
@@ -103,6 +124,8 @@ int noteSegments(dl_phdr_info* library, std::size_t, void* path)
 }
 
 }
+
+void addPluginFormat(PluginFormat format) { formats().push_back(std::move(format)); }
 
 bool isSafeModeRequested()
 {
@@ -181,6 +204,12 @@ std::vector<PluginReport> findPlugins(
 
 bool loadPlugin(PluginReport& report)
 {
+    if (PluginFormat const* const format = formatOf(report.path)) {
+        Status const loaded = format->load(report.path);
+        report.isLoaded = static_cast<bool>(loaded);
+        report.problem = loaded ? "" : loaded.message();
+        return report.isLoaded;
+    }
     // Loaded by a constructor of another one: that one's name stands again afterwards.
     std::string const outer = std::exchange(g_plugins.loading, report.path.string());
     void* const library = dlopen(report.path.c_str(), RTLD_LAZY | RTLD_LOCAL);
@@ -218,6 +247,10 @@ bool isPluginAddress(void const* address)
     auto const place = reinterpret_cast<std::uintptr_t>(address);
     for (Range const& range : g_plugins.ranges) {
         if (place >= range.begin && place < range.end)
+            return true;
+    }
+    for (PluginFormat const& format : formats()) {
+        if (format.holds(address))
             return true;
     }
     // A constructor calls: the segments are noted only once the dynamic linker is done.

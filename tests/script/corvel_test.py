@@ -329,7 +329,7 @@ class Building(ScriptTest):
     def test_too_little_space_is_told_before_anything_is_built(self):
         self.stage.write("free", "50000\n")
         result = self.stage.run("test")
-        self.failsAtOnce(result, "48 MB are free", "600 MB")
+        self.failsAtOnce(result, "48 MB are free", "1200 MB")
         self.assertEqual(self.called(result, "cmake"), [])
 
 
@@ -382,6 +382,38 @@ class Tests(ScriptTest):
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertIn("--preset sanitize", self.called(result, "cmake")[0])
         self.assertIn(f"--test-dir {self.stage.folder}/build/sanitize", self.called(result, "ctest")[0])
+
+    def device(self, sysroot="echo Unpacking", *arguments):
+        (self.stage.folder / "device").mkdir(exist_ok=True)
+        script = self.stage.folder / "device" / "sysroot.sh"
+        script.write_text(f"#!/bin/bash\n{sysroot}\n")
+        script.chmod(0o755)
+        with open(self.stage.top / "installed", "a", encoding="utf-8") as installed:
+            installed.write("".join(f"{name}\n" for name in self.stage.packages("package", "device_test")))
+        return self.stage.run("test", "--device", *arguments)
+
+    def test_the_iphones_library_is_tested_beside_the_desktops(self):
+        stale = self.stage.folder / "build" / "device-phone" / "stories"
+        stale.mkdir(parents=True)
+        self.stage.write("ctest.prints", (
+            "1: Ran 5 tests in 0.2s\n1: \n1: OK\n1/2 Test #1: device.check ....   Passed    0.02 sec\n"
+            "2/2 Test #2: stories.same ....   Passed    0.02 sec\n"
+        ))
+        result = self.device()
+        self.assertEqual(result.returncode, 0, result.stderr)
+        for name in ("device", "release", "device-phone"):
+            self.assertEqual(sum(f"--preset {name} " in call + " " for call in self.called(result, "cmake")), 1, name)
+        self.assertIn(" stories", self.called(result, "ninja")[1])
+        folders = [call.split("--test-dir ")[1].split(" -j")[0] for call in self.called(result, "ctest")]
+        self.assertEqual(folders, [f"{self.stage.folder}/build/{name}" for name in ("device", "device-phone")])
+        self.assertFalse(stale.exists())
+        # The same numbers come twice, once for each run of ctest.
+        self.assertEqual(result.stdout, "12 passed, 0 failed\n")
+
+    def test_libraries_that_cannot_be_had_are_told(self):
+        result = self.device("echo 'sysroot.sh: error: no mirror' >&2; exit 1")
+        self.fails(result, "unpacking libraries for arm64 failed", "sysroot.log")
+        self.assertIn("no mirror", result.stderr)
 
     def test_a_test_programs_name_is_a_filter(self):
         result = self.stage.run("test", "--filter", "objc")

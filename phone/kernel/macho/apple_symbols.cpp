@@ -11,13 +11,20 @@
 #include <cstdlib>
 
 extern "C" {
+// message_send.S
 void corvel_apple_objc_msgSend();
+void corvel_apple_class_addMethod();
+void corvel_apple_CFNotificationCenterAddObserver();
+void* corvel_apple_incoming_code(void* code, char const* what);
 
-// Functions of the phone and of its libraries that take or answer code, and what they are called with.
+// Substrate's part, which the phone's executable has.
 void MSHookMessageEx(Class cls, SEL selector, IMP replacement, IMP* original);
-using NotificationCallback = void (*)(void*, void*, void*, void const*, void*);
-void CFNotificationCenterAddObserver(void* center, void const* observer, NotificationCallback callback,
-    void* name, void const* object, long suspensionBehavior);
+}
+
+// What the library gives away is authenticated, and answered plain.
+void* corvel_apple_incoming_code(void* code, char const* what)
+{
+    return phone::authenticatedCode(code, 0, what);
 }
 
 namespace phone {
@@ -46,11 +53,6 @@ F* real(char const* name)
     return function;
 }
 
-objc::raw_bool addMethod(Class cls, SEL selector, IMP implementation, char const* encoding)
-{
-    return class_addMethod(cls, selector, comingIn(implementation, "a method's implementation"), encoding);
-}
-
 IMP methodImplementation(Class cls, SEL selector)
 {
     return goingOut(class_getMethodImplementation(cls, selector));
@@ -64,13 +66,6 @@ void hookMessage(Class cls, SEL selector, IMP replacement, IMP* original)
         cls, selector, comingIn(replacement, "a replacement"), original ? &previous : nullptr);
     if (original && previous)
         *original = goingOut(previous);
-}
-
-void addObserver(void* center, void const* observer, NotificationCallback callback, void* name,
-    void const* object, long suspensionBehavior)
-{
-    real<decltype(CFNotificationCenterAddObserver)>("CFNotificationCenterAddObserver")(
-        center, observer, comingIn(callback, "a notification's callback"), name, object, suspensionBehavior);
 }
 
 int atExit(void (*function)()) { return std::atexit(comingIn(function, "a function for the end")); }
@@ -93,10 +88,10 @@ Symbol row(char const* name, F* function)
 Symbol const kSymbols[] = {
     row("_objc_msgSend", corvel_apple_objc_msgSend),
     row("_object_getClass", classOf),
-    row("_class_addMethod", addMethod),
+    row("_class_addMethod", corvel_apple_class_addMethod),
     row("_class_getMethodImplementation", methodImplementation),
     row("_MSHookMessageEx", hookMessage),
-    row("_CFNotificationCenterAddObserver", addObserver),
+    row("_CFNotificationCenterAddObserver", corvel_apple_CFNotificationCenterAddObserver),
     row("_atexit", atExit),
     row("dyld_stub_binder", bindLazily),
 };

@@ -45,4 +45,49 @@ corvel_apple_objc_msgSend:
     ret
     .cfi_endproc
     .size corvel_apple_objc_msgSend, .-corvel_apple_objc_msgSend
+
+// A function that the phone has, for a library that signs the code pointers which it gives away: the one in register \code is
+// authenticated, and the function is gone to with everything else as it was. The return address too: by it the phone tells
+// whether a plug-in calls.
+    .macro takes_code name, code, what
+    .globl corvel_apple_\name
+    .type corvel_apple_\name, %function
+corvel_apple_\name:
+    .cfi_startproc
+    stp x29, x30, [sp, #-64]!
+    .cfi_def_cfa_offset 64
+    .cfi_offset x29, -64
+    .cfi_offset x30, -56
+    mov x29, sp
+    stp x0, x1, [sp, #16]
+    stp x2, x3, [sp, #32]
+    stp x4, x5, [sp, #48]
+    mov x0, \code
+    adrp x1, 2f
+    add x1, x1, :lo12:2f
+    bl corvel_apple_incoming_code
+    mov x16, x0
+    ldp x0, x1, [sp, #16]
+    ldp x2, x3, [sp, #32]
+    ldp x4, x5, [sp, #48]
+    mov \code, x16
+    ldp x29, x30, [sp], #64
+    .cfi_def_cfa_offset 0
+    .cfi_restore x29
+    .cfi_restore x30
+    // By way of the table that the dynamic linker fills in: a program need not have it.
+    adrp x16, :got:\name
+    ldr x16, [x16, :got_lo12:\name]
+    br x16
+    .cfi_endproc
+    .size corvel_apple_\name, .-corvel_apple_\name
+    .weak \name
+    .section .rodata.str1.1, "aMS", %progbits, 1
+2:  .asciz "\what"
+    .text
+    .endm
+
+    takes_code class_addMethod, x2, "a method's implementation"
+    takes_code CFNotificationCenterAddObserver, x2, "a notification's callback"
+
     .section .note.GNU-stack,"",%progbits
