@@ -36,8 +36,10 @@ INSTANTIATE_TEST_SUITE_P(Forms, ColourString,
         Row { "#ff0000", 0xff0000ff }, Row { "ff000080", 0xff000080 }, Row { "#00FF7f01", 0x00ff7f01 },
         Row { "##f#f#f", 0xffffffff }, Row { "#1234", 0x00001234 }, Row { "#abcde", 0x000abcde },
         Row { "#1234567", 0x01234567 }, Row { "#123456789", 0xffffffff }, Row { "", 0 }, Row { "#", 0 },
-        Row { "0xf0", 0xf0 }, Row { "\u05D0\u05D1\u05D2", 0 }, Row { "f", 0xf },
-        Row { "#ff00f", 0x000ff00f }));
+        Row { "0xf0", 0xf0 }, Row { "\u05D0\u05D1\u05D2", 0 }, Row { "f", 0xf }, Row { "#ff00f", 0x000ff00f },
+        // Six signs are opaque whatever they are, and are then read as far as they can be.
+        Row { "0xabcd", 0x00abcdff }, Row { "ff00zz", 0x0000ff00 }, Row { "zzz", 0 },
+        Row { " fff", 0x00000fff }));
 
 class NoColourString : public phone::CorvelTest { };
 

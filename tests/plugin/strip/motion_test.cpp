@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <tuple>
 
 namespace phone {
 
@@ -137,6 +138,31 @@ TEST_F(StripMotion, TurnsWithTheApplication)
         EXPECT_NEAR(frames[0]["value"]["transform"][1], std::sin(row.angle), 1e-9);
         EXPECT_NEAR(frames[1]["value"]["rect"][0], row.origin.x, 1e-9);
         EXPECT_NEAR(frames[1]["value"]["rect"][1], row.origin.y, 1e-9);
+    }
+}
+
+// Places are cut to whole points, and the part of the width is taken in single precision: 832 / 3.2 would be 260.
+TEST_F(StripMotion, TurnsToWholePoints)
+{
+    BootOptions booted = options("13.7", { { "isEnabled", false } }, 3);
+    booted.width = 375.5;
+    booted.height = 832;
+    booted.scale = 2;
+    boot(booted);
+    for (bool const isOverlay : { true, false }) {
+        UIView const strip = makeStrip({ { 10, -100 }, { 222, 88 } }, record(), isOverlay);
+        show(strip);
+        for (auto const& [orientation, x, y] : { std::tuple { 3, 277, 259 }, { 4, 10, 187 } }) {
+            ASSERT_TRUE(phone().setOrientation(orientation, { false, false }));
+            std::size_t const since = phone().trace().count();
+            strip.send<"rotateView">();
+            auto const frames = events("frame", since);
+            ASSERT_EQ(frames.size(), 3u);
+            expectTree(frames[1]["value"], rect(x, y, 88, 222));
+            phone().advance(0.5);
+            EXPECT_NEAR(strip.center().y, 416, 1e-9);
+            EXPECT_NEAR(strip.bounds().size.width, 222, 1e-9);
+        }
     }
 }
 
