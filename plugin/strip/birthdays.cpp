@@ -20,6 +20,7 @@ void CVLView::presentBirthday(NSTimer) const
     NSMutableArray const buttons = stripState().birthdayButtons;
     for (NSUInteger i = 0; i < buttons.count(); ++i) {
         CVLButton const button { buttons.objectAtIndex(i).object };
-        button.setCakeHidden(!isSameDay(now, button.getBirthday()));
+        BOOL const isToday = send<"isSameDay:otherDay:", BOOL>(now, button.send<"getBirthday", NSDate>());
+        button.send<"setCakeHidden:">(BOOL { !isToday });
     }
 }

@@ -212,7 +212,8 @@ void Builder::makeBirthdayResources() const
     if (!m_prefs.birthdayFrame)
         return;
     stripState().birthdayButtons = objc::retain(NSMutableArray::array());
-    stripState().cakeImage = objc::retain(m_strip.scaleImage(cakeBadge(), kCakeSize));
+    stripState().cakeImage =
+        objc::retain(m_strip.send<"scaleImage:toSize:", UIImage>(cakeBadge(), kCakeSize));
 }
 
 void Builder::addRow() const
@@ -241,12 +242,14 @@ void Builder::makeWelcome() const
     auto const button = UIButton::buttonWithType(UIButtonTypeCustom);
     button.setFrame(CGRectMake(0, m_strip.collectionView().frame().origin.y, m_width - kScreenMargin, 75.0));
     button.setBackgroundColor(UIColor::clearColor());
-    button.setImage(
-        m_strip.imageScaledToSize(contactsBanner(), { m_width - 70, 50.0 }), UIControlStateNormal);
+    CGSize const bannerSize { m_width - 70, 50.0 };
+    button.setImage(m_strip.send<"imageWithImage:scaledToSize:", UIImage>(contactsBanner(), bannerSize),
+        UIControlStateNormal);
+    UILabel const label = makeWelcomeLabel();
     if (isCoverSheetSystem())
         button.addTarget(m_strip, objc::selector<"addButton:">(), UIControlEventTouchUpInside);
     m_strip.addSubview(button);
-    m_strip.addSubview(makeWelcomeLabel());
+    m_strip.addSubview(label);
 }
 
 CGFloat portraitWidth()

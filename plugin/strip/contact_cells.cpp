@@ -67,7 +67,7 @@ void setPhotoOrInitial(CVLView strip, CVLButton button, NSDictionary entry)
     }
     UIImage image = UIImage::imageWithData(photo);
     if (stripState().mainPrefsStruct->isRoundCell)
-        image = strip.scaleImage(image, kRoundPhotoSize);
+        image = strip.send<"scaleImage:toSize:", UIImage>(image, kRoundPhotoSize);
     button.setImage(image, UIControlStateNormal);
 }
 
@@ -100,10 +100,10 @@ void addTargets(CVLView strip, CVLButton button)
 CVLButton makeButton(CVLView strip, NSDictionary entry)
 {
     auto const button = UIButton::buttonWithType<CVLButton>(UIButtonTypeCustom);
-    button.setPhoneNumber(textOrEmpty(entry, entry_key::phoneNumber()));
+    button.send<"setPhoneNumber:">(textOrEmpty(entry, entry_key::phoneNumber()));
     setPhotoOrInitial(strip, button, entry);
-    button.setEmailAddr(textOrEmpty(entry, entry_key::email()));
-    button.setBirthday(objc::cast<NSDate>(entry.objectForKey(entry_key::birthday())));
+    button.send<"setEmailAddr:">(textOrEmpty(entry, entry_key::email()));
+    button.send<"setBirthday:">(objc::cast<NSDate>(entry.objectForKey(entry_key::birthday())));
     placeButton(strip, button);
     addTargets(strip, button);
     return button;
@@ -119,8 +119,9 @@ void addBirthdayBadge(CVLView strip, UICollectionViewCell cell, CVLButton button
     auto const badge = objc::adopt(UIImageView::alloc().initWithFrame<UIImageView>(
         CGRectMake(origin.x + 22.0, origin.y + 22.0, 29.0, 23.0)));
     badge->setImage(state.cakeImage);
-    badge->setHidden(!strip.isSameDay(NSDate::date(), button.getBirthday()));
-    button.setCake(badge);
+    NSDate const birthday = button.send<"getBirthday", NSDate>();
+    badge->setHidden(!strip.send<"isSameDay:otherDay:", BOOL>(NSDate::date(), birthday));
+    button.send<"setCake:">(badge);
     if (!state.birthdayTimerStarted) {
         NSTimer::scheduledTimer(
             kBirthdayInterval, strip, objc::selector<"presentBirthday:">(), nullptr, /* repeats: */ true);
@@ -184,7 +185,7 @@ UICollectionViewCell CVLView::cellForItemAtIndexPath(UICollectionView row, NSInd
     if (stripState().mainPrefsStruct->birthdayFrame)
         addBirthdayBadge(*this, cell, button);
     UILabel const label = makeNameLabel(entry, button);
-    button.setContactName(label.text());
+    button.send<"setContactName:">(label.text());
     label.setFont(UIFont::systemFontOfSize(9.5));
     label.setTextAlignment(NSTextAlignmentCenter);
     addNameLabel(cell, label, button);

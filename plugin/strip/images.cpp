@@ -30,7 +30,7 @@ UIImage CVLView::scaleImage(UIImage image, CGSize size) const
         image.drawInRect(
             { { (size.width - scaled.width) * 0.5, (size.height - scaled.height) * 0.5 }, scaled });
     });
-    return makeImageRound(filled);
+    return send<"makeImageRound:", UIImage>(filled);
 }
 
 UIImage CVLView::makeImageRound(UIImage image) const
