@@ -15,6 +15,10 @@ Status PhoneWindow::open(graphics::Size)
 
 PhoneWindow::End PhoneWindow::run() { return End::closed; }
 
+void PhoneWindow::onEachTurn(std::function<bool()> work) { m_work.push_back(std::move(work)); }
+
+void PhoneWindow::refresh() { }
+
 void PhoneWindow::close() { }
 
 }

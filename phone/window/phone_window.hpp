@@ -5,7 +5,9 @@
 #include "phone/graphics/geometry.hpp"
 #include "phone/kernel/result.hpp"
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 namespace phone {
 
@@ -21,6 +23,16 @@ public:
     // For a screen of that size held upright, points. An error without a display, or without SDL.
     Status open(graphics::Size portrait);
 
+    // Called on each turn of run()'s loop, several times a second, outside of the phone's own callbacks. False
+    // closes the window.
+    void onEachTurn(std::function<bool()> work);
+
+    // Does the phone's clock follow the real one? It does unless it is moved by hand.
+    void movesClock(bool moves) { m_movesClock = moves; }
+
+    // Draws what has changed, from within work that lasts.
+    void refresh();
+
     // The booted phone's clock follows the real one until the window is closed, or the phone wants to restart.
     End run();
 
@@ -29,6 +41,8 @@ public:
 private:
     struct Parts;
     std::unique_ptr<Parts> m_parts;
+    std::vector<std::function<bool()>> m_work;
+    bool m_movesClock { true };
 };
 
 }

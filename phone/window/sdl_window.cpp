@@ -297,6 +297,7 @@ struct PhoneWindow::Parts {
     bool isFingerDown { false };
     bool needsDraw { true };
     bool wantsRestart { false };
+    std::uint64_t refreshed { 0 };   // what refresh() drew last
     std::optional<DeviceFrame> frame;
     Legend legend;
     std::unique_ptr<SDL_Window, WindowDeleter> window;
@@ -370,13 +371,25 @@ PhoneWindow::End PhoneWindow::run()
                 goesOn = parts.handle(event) && goesOn;
             } while (SDL_PollEvent(&event));
         }
+        for (auto const& work : m_work)
+            goesOn = work() && goesOn;
         if (!goesOn)
             return End::closed;
         auto const now = Time::now();
-        device.advance(std::chrono::duration<double>(now - last).count());
+        device.advance(m_movesClock ? std::chrono::duration<double>(now - last).count() : 0);
         last = now;
     }
     return End::restart;
+}
+
+void PhoneWindow::onEachTurn(std::function<bool()> work) { m_work.push_back(std::move(work)); }
+
+void PhoneWindow::refresh()
+{
+    if (!m_parts || displayRevision() == m_parts->refreshed)
+        return;
+    m_parts->draw();
+    m_parts->refreshed = displayRevision();
 }
 
 void PhoneWindow::close() { m_parts.reset(); }
