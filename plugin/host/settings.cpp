@@ -172,14 +172,16 @@ viewPreferences currentPreferences()
     Settings& held = ::held();
     if (!held.titleFont)
         held.titleFont = objc::retain(systemTitleFont());
+    held.lentTitle = held.styleCustomTitle;
+    held.lentFont = held.titleFont;
 
     // The 32-bit codes are widened with their sign: a negative one is beyond every table.
     auto const widened = [](std::int32_t code) {
         return static_cast<std::uint64_t>(static_cast<std::int64_t>(code));
     };
     return {
-        .styleCustomTitle = held.styleCustomTitle,
-        .titleFont = held.titleFont,
+        .styleCustomTitle = held.lentTitle,
+        .titleFont = held.lentFont,
         .viewAlpha = held.viewAlpha,
         .colorTitle = held.colorTitle,
         .colorContact = held.colorContact,

@@ -52,6 +52,10 @@ struct Settings {
     BOOL siriHebrew = false;
     BOOL isHapticFB = false;   // also read live by every action
 
+    // What the record made last lends: kept until the next one is made, whatever is loaded in between.
+    objc::ref<NSString> lentTitle;
+    objc::ref<UIFont> lentFont;
+
     // What the lock-screen hooks ask before they do anything.
     BOOL enabled() const { return isEnabled && prefsLoaded; }
 };

@@ -1,9 +1,12 @@
 #include "plugin/host/settings.hpp"
 
+#include "objc/hook.hpp"
 #include "phone/kernel/property_list.hpp"
+#include "phone/springboard/substrate.hpp"
 #include "plugin/host/contact_list.hpp"
 #include "tests/support/phone_fixture.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -80,6 +83,71 @@ PropertyList const kData { phone::Bytes { 1, 2, 3 } };
 PropertyList const kArray { PropertyListArray { PropertyList { true }, PropertyList { "7" } } };
 PropertyList const kDictionary { PropertyListDictionary { { "1", PropertyList { 1 } } } };
 PropertyList const kInconvertible[] = { kDate, kData, kArray, kDictionary };
+
+// Every text that anybody looks up in a dictionary.
+std::vector<std::string> g_lookedUp;
+struct LookUp {
+    static inline objc::original<objc::handle(objc::handle, SEL, objc::handle)> original;
+    static objc::handle replacement(objc::handle self, SEL cmd, objc::handle key)
+    {
+        if (NSString const text = objc::cast<NSString>(key))
+            g_lookedUp.emplace_back(text.UTF8String());
+        return original(self, cmd, key);
+    }
+};
+
+// Objects that are owned come and go with references; texts of eight letters and fewer are none.
+NSUInteger references(objc::handle object) { return object.send<"retainCount", NSUInteger>(); }
+
+TEST_F(SettingsFile, NothingIsOnBeforeTheFirstLoad)
+{
+    boot();
+    EXPECT_FALSE(settings().prefsLoaded);
+    EXPECT_FALSE(settings().enabled());
+    EXPECT_EQ(settings().bannerStyle, 1);
+    EXPECT_EQ(settings().singleTapAction, 0);
+    EXPECT_EQ(settings().viewAlpha, -1.0f);
+    EXPECT_EQ(settings().viewAlphaLS, -1.0f);
+    for (auto const color : { &Settings::colorTitle, &Settings::colorContact, &Settings::mainViewColor,
+             &Settings::mainViewColorNonLS })
+        EXPECT_FALSE(settings().*color);
+}
+
+TEST_F(SettingsFile, IsOnWhenItIsLoadedAndSwitchedOn)
+{
+    Settings each;
+    EXPECT_FALSE(each.enabled());
+    each.isEnabled = true;
+    EXPECT_FALSE(each.enabled());
+    each.prefsLoaded = true;
+    EXPECT_TRUE(each.enabled());
+    each.isEnabled = false;
+    EXPECT_FALSE(each.enabled());
+}
+
+TEST_F(SettingsFile, IsLookedThroughInOrderAfterTheContacts)
+{
+    boot();
+    load({});
+    std::vector<std::string> const keys { "contactsArray", "isEnabled", "isAlwaysOnTop", "isPaging",
+        "askBeforeCall", "darkMode", "isRoundCell", "showWAmsg", "showWACall", "showSMS", "showFacetime",
+        "showMail", "showBirthday", "birthdayFrame", "siriTurkish", "isDynamicSize",
+        "validateUnlockBeforeCall", "enableTitle", "hideLSView", "showTGmsg", "showTGCall", "siriHebrew",
+        "isHapticFB", "styleCustomTitle", "titleColor", "mainViewColor", "mainViewColorNonLS",
+        "contactLabelColor", "styleFont", "titlePos", "bannerStyle", "singleTapAction", "viewAlpha",
+        "viewAlphaLS" };
+    Class const dictionaries = objc::boundary::class_of(readSettingsFile().get().object);
+    auto const [replacement, original] = objc::hook<LookUp>();
+    MSHookMessageEx(dictionaries, sel_registerName("objectForKey:"), replacement, original);
+
+    loadSettings();
+
+    // Foundation's own keys are not ours, and it looks a file's key up when it makes the dictionary.
+    std::erase_if(g_lookedUp, [&](std::string const& each) { return std::ranges::count(keys, each) == 0; });
+    auto const repeated = std::ranges::unique(g_lookedUp);
+    g_lookedUp.erase(repeated.begin(), repeated.end());
+    EXPECT_EQ(g_lookedUp, keys);
+}
 
 TEST_F(SettingsFile, ABooleanTakesEveryKindThatConverts)
 {
@@ -207,11 +275,19 @@ TEST_F(SettingsFile, IntegersConvertAndOnlyTheTitlePositionHasADefault)
     }
 }
 
-TEST_F(SettingsFile, ANegativeCodeIsWidenedWithItsSign)
+TEST_F(SettingsFile, ACodeHasThirtyTwoBitsAndIsWidenedWithItsSign)
 {
     boot();
-    load({ { "singleTapAction", -1 } });
-    EXPECT_EQ(currentPreferences().singleTapAction, 0xFFFFFFFFFFFFFFFFu);
+    load({ { "titlePos", -1 }, { "bannerStyle", -2 }, { "singleTapAction", -3 } });
+    EXPECT_EQ(currentPreferences().titlePos, 0xFFFFFFFFFFFFFFFFu);
+    EXPECT_EQ(currentPreferences().bannerStyle, 0xFFFFFFFFFFFFFFFEu);
+    EXPECT_EQ(currentPreferences().singleTapAction, 0xFFFFFFFFFFFFFFFDu);
+
+    std::int64_t const beyond = std::int64_t { 1 } << 32;
+    load({ { "titlePos", beyond + 3 }, { "bannerStyle", beyond + 2 }, { "singleTapAction", beyond + 7 } });
+    EXPECT_EQ(currentPreferences().titlePos, 3u);
+    EXPECT_EQ(currentPreferences().bannerStyle, 2u);
+    EXPECT_EQ(currentPreferences().singleTapAction, 7u);
 }
 
 TEST_F(SettingsFile, AlphasKeepTheirPreviousValue)
@@ -295,9 +371,29 @@ TEST_F(SettingsFile, TheFontIsNamedAndFallsBackWhenTheRecordIsFilled)
     EXPECT_TRUE(currentPreferences().titleFont.isEqual(system));
     EXPECT_TRUE(settings().titleFont->isEqual(system));   // and stays there
 
-    load({ { "styleFont", 7 } });
+    load({});
     EXPECT_TRUE(settings().titleFont->isEqual(system));
     EXPECT_STREQ(settings().titleFontString->UTF8String(), "NoSuchFont-Wide");
+}
+
+TEST_F(SettingsFile, TheFontIsMadeAnewAtEachLoad)
+{
+    boot();
+    UIFont const system = UIFont::systemFontOfSize(10.5, UIFontWeightMedium);
+    load({});
+    EXPECT_TRUE(settings().titleFont->isEqual(system));   // already before a record asks for it
+    EXPECT_FALSE(settings().titleFontString);
+    for (PropertyList const& value : { kDate, kData, kArray, kDictionary, PropertyList { 7 },
+             PropertyList { true }, PropertyList { 0.5 } }) {
+        load({ { "styleFont", "Georgia" } });
+        EXPECT_FALSE(settings().titleFont->isEqual(system));
+        load({ { "styleFont", value } });
+        EXPECT_TRUE(settings().titleFont->isEqual(system)) << value.kindName();
+        EXPECT_STREQ(settings().titleFontString->UTF8String(), "Georgia");
+    }
+    load({ { "styleFont", "Georgia" } });
+    load({});
+    EXPECT_TRUE(settings().titleFont->isEqual(system));
 }
 
 TEST_F(SettingsFile, TheRecordHasItsFieldsInTheirOrder)
@@ -311,6 +407,7 @@ TEST_F(SettingsFile, TheRecordHasItsFieldsInTheirOrder)
     EXPECT_EQ(offsetof(viewPreferences, titlePos), 48u);
     EXPECT_EQ(offsetof(viewPreferences, bannerStyle), 56u);
     EXPECT_EQ(offsetof(viewPreferences, singleTapAction), 64u);
+    EXPECT_EQ(sizeof(viewPreferences), 96u);   // 72, nineteen flags, and what makes it a multiple of eight
 
     // The nineteen flags: each key alone differs from the rest, and is seen in its place.
     char const* const flags[] = { "isRoundCell", "isPaging", "askBeforeCall", "darkMode", "showWAmsg",
@@ -355,19 +452,71 @@ TEST_F(SettingsFile, TheRecordTakesEveryVariable)
 TEST_F(SettingsFile, ARecordOwnsItsColoursUntilItIsAssignedAgain)
 {
     boot();
-    load({ { "titleColor", "#010203" } });
-    OwnedPreferences record { OwnedPreferences::Owns::colours };
-    record.assign(currentPreferences());
-    auto const color = objc::retain(record->colorTitle);
-    NSUInteger const owned = color->send<"retainCount", NSUInteger>();
+    struct Row {
+        char const* key;
+        UIColor viewPreferences::*field;
+    };
+    for (Row const row : { Row { "titleColor", &viewPreferences::colorTitle },
+             Row { "contactLabelColor", &viewPreferences::colorContact },
+             Row { "mainViewColor", &viewPreferences::mainViewColor } }) {
+        SCOPED_TRACE(row.key);
+        load({ { row.key, "#010203" } });
+        OwnedPreferences record { OwnedPreferences::Owns::colours };
+        record.assign(currentPreferences());
+        auto const color = objc::retain(record.get().*row.field);
+        NSUInteger const owned = references(color);
 
-    record.assign(record.get());   // from itself
-    EXPECT_EQ((color->send<"retainCount", NSUInteger>()), owned);
-    load({ { "titleColor", "#0a0b0c" } });
-    EXPECT_EQ((color->send<"retainCount", NSUInteger>()), owned - 1);   // the settings have let go
-    record.releaseAll();
-    EXPECT_EQ((color->send<"retainCount", NSUInteger>()), owned - 2);
-    EXPECT_FALSE(record->colorTitle);
+        record.assign(record.get());   // from itself
+        EXPECT_EQ(references(color), owned);
+        load({ { row.key, "#0a0b0c" } });
+        EXPECT_EQ(references(color), owned - 1);   // the settings have let go
+        record.releaseAll();
+        EXPECT_EQ(references(color), owned - 2);
+        EXPECT_FALSE(record.get().*row.field);
+    }
+}
+
+TEST_F(SettingsFile, ARecordOwnsTitleAndFontOnlyIfItOwnsEverything)
+{
+    boot();
+    load({ { "styleCustomTitle", "A title of many letters" }, { "styleFont", "Georgia" } });
+    viewPreferences const lent = currentPreferences();
+    for (auto const owns : { OwnedPreferences::Owns::colours, OwnedPreferences::Owns::everything }) {
+        NSUInteger const title = references(lent.styleCustomTitle);
+        NSUInteger const font = references(lent.titleFont);
+        NSUInteger const more = owns == OwnedPreferences::Owns::everything ? 1 : 0;
+
+        OwnedPreferences record { owns };
+        record.assign(lent);
+        EXPECT_EQ(references(lent.styleCustomTitle), title + more);
+        EXPECT_EQ(references(lent.titleFont), font + more);
+        record.releaseAll();
+        EXPECT_EQ(references(lent.styleCustomTitle), title);
+        EXPECT_EQ(references(lent.titleFont), font);
+        EXPECT_FALSE(record->styleCustomTitle);
+    }
+}
+
+TEST_F(SettingsFile, WhatARecordLendsStaysUntilTheNextRecord)
+{
+    // A load used to take title and font away from a record that a strip was still to be made from.
+    boot();
+    load({ { "styleCustomTitle", "A title of many letters" }, { "styleFont", "Georgia" } });
+    viewPreferences const record = currentPreferences();
+    auto const title = objc::retain(record.styleCustomTitle);
+    auto const font = objc::retain(record.titleFont);
+    NSUInteger const titleHeld = references(title);
+    NSUInteger const fontHeld = references(font);
+
+    load({ { "styleCustomTitle", "Another title of many letters" }, { "styleFont", "Menlo" } });
+    EXPECT_EQ(references(title), titleHeld - 1);   // the settings have let go, the record's loan goes on
+    EXPECT_EQ(references(font), fontHeld - 1);
+    load({});
+    EXPECT_EQ(references(title), titleHeld - 1);
+    EXPECT_EQ(references(font), fontHeld - 1);
+    EXPECT_STREQ(currentPreferences().styleCustomTitle.UTF8String(), "Corvel");
+    EXPECT_EQ(references(title), titleHeld - 2);
+    EXPECT_EQ(references(font), fontHeld - 2);
 }
 
 TEST_F(SettingsFile, HidingTheStripKeepsEveryOtherKey)
