@@ -130,6 +130,9 @@ TEST_P(Picker, StoresWhatEachContactHas)
 
     pick({ "Ada Lund", "Bora", "Taxi", "Dina Kohen", "Emre Su" });
 
+    ASSERT_EQ(written().size(), 5u);
+    for (PropertyList const& entry : written())
+        EXPECT_EQ(entry.as<PropertyListDictionary>()->size(), 7u);
     EXPECT_EQ(text(0, "contactUniqueIdentifier"), "id-AdaLund");
     EXPECT_EQ(text(0, "contactPhoneNumber"), "+44 20 7946 0321");
     EXPECT_EQ(text(0, "contactEmail"), "");
@@ -148,6 +151,35 @@ TEST_P(Picker, StoresWhatEachContactHas)
     // Without a year it is year 1, which is no leap year; without a calendar there is no date.
     ASSERT_TRUE(value(3, "contactBirthday").as<Date>());
     EXPECT_EQ(text(4, "contactBirthday"), "");
+}
+
+TEST_P(Picker, ReplacesAListThatCameMeanwhileWithoutReadingIt)
+{
+    boot(emptyStrip());
+    openPicker();
+    auto const list = writePropertyListXml(PropertyListDictionary {
+        { "contactsArray", PropertyListArray { PropertyListDictionary { { "contactFirstName", "Old" } } } },
+        { "more", 1 } });
+    ASSERT_TRUE(phone().root().write(kContactListPath, list->data(), list->size()));
+    std::size_t const before = phone().trace().count();
+
+    pick({ "Bora" });
+
+    ASSERT_EQ(written().size(), 1u);
+    EXPECT_EQ(text(0, "contactFirstName"), "Bora");
+    auto const file = readPropertyList(*phone().root().read(kContactListPath));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->root.as<PropertyListDictionary>()->size(), 1u);
+    int writes = 0;
+    for (Json const& event : phone().trace().events(before)) {
+        bool const isOfTheList = event.contains("path") && event["path"] == kContactListPath;
+        EXPECT_FALSE(isOfTheList && event["kind"] == "read");
+        if (isOfTheList && event["kind"] == "write") {
+            ++writes;
+            EXPECT_EQ(event["atomically"], true);
+        }
+    }
+    EXPECT_EQ(writes, 1);
 }
 
 TEST_P(Picker, LetsTheScreenGoWhenItIsCancelled)

@@ -167,4 +167,21 @@ TEST_F(ContactListFile, StaysAsTheStripReadItUntilTheNextStart)
     EXPECT_EQ(stripList().count(), 1u);
 }
 
+TEST_F(ContactListFile, IsReadAtEveryLoadAndForEveryStrip)
+{
+    auto const reads = [] { return std::ranges::count(told("read", "path"), kContactListFile); };
+    boot(options("15.4"));
+    EXPECT_EQ(reads(), 2);   // by the loader, and by the lock screen's strip
+
+    phone().postNotification(NotificationCenterKind::darwin, "com.orvane.corvelpref.settingschanged");
+    EXPECT_EQ(reads(), 3);
+    phone().adjunctController().send<"viewDidLoad">();
+    EXPECT_EQ(reads(), 3);   // the strip is there
+    for (int showing = 0; showing < 3; ++showing) {
+        phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
+        phone().advance(1);
+        EXPECT_EQ(reads(), 5);   // to see whether there is anybody, and by the strip: at the first one alone
+    }
+}
+
 }

@@ -72,6 +72,35 @@ protected:
         controller->view();
         return controller;
     }
+    // What happened to the strip and to its controller, a line a step, but for what SpringBoard itself arranged.
+    static Lines steps(std::size_t since)
+    {
+        Lines lines;
+        for (Json const& event : phone().trace().events(since)) {
+            std::string const kind = event["kind"];
+            if (kind == "previous" || kind == "sent")
+                lines.push_back(kind + ' ' + event["selector"].get<std::string>());
+            else if (kind == "observe")
+                lines.push_back("observe " + event["name"].get<std::string>());
+            else if (kind == "frame")
+                lines.push_back(event["call"].get<std::string>() + ' ' + event["value"].dump());
+            else if (kind == "stack" && event["view"] == "CVLView")
+                lines.push_back(event["call"].get<std::string>() + ' ' + event["index"].dump());
+            else if (kind == "constraint" && event["what"].get<std::string>().starts_with("CVLView."))
+                lines.push_back(event["what"]);
+        }
+        return lines;
+    }
+    // The controller's initFirstPreferences is noted, as `sent`, and fills nothing.
+    static void noteFirstPreferences()
+    {
+        MSHookMessageEx(objc_getClass(className(host()).c_str()), sel_registerName("initFirstPreferences"),
+            objc::boundary::any_function(&note), nullptr);
+    }
+    static void note(id, SEL cmd)
+    {
+        deviceTrace().record("sent", Json::object({ { "selector", sel_getName(cmd) } }));
+    }
     static void switchOff() { ASSERT_TRUE(phone().changeSettings({ { "isEnabled", false } }, {})); }
     static void switchOn() { ASSERT_TRUE(phone().changeSettings({ { "isEnabled", true } }, {})); }
 };
@@ -122,6 +151,38 @@ TEST_P(LockScreenStripOn, StaysLastWhateverComesIntoTheList)
     EXPECT_EQ(phone().strip().frame().size, (CGSize { 370, 90 }));
 }
 
+TEST_P(LockScreenStripOn, IsMadeStepByStep)
+{
+    boot(options(GetParam(), { { "isEnabled", false }, { "hideLSView", true } }));
+    noteFirstPreferences();
+    std::size_t const off = phone().trace().count();
+    host().send<"viewDidLoad">();
+    EXPECT_EQ(steps(off), Lines { "previous viewDidLoad" });
+    switchOn();
+
+    std::size_t const first = phone().trace().count();
+    auto const controller = anotherController();
+    EXPECT_EQ(steps(first),
+        (Lines { "previous viewDidLoad", "sent initFirstPreferences", "observe com.orvane.corvelNONLS",
+            "observe com.apple.springboard.screenchanged", "observe UIWindowDidRotateNotification",
+            R"(initWithFrame: {"rect":[0.0,27.0,335.0,80.0]})", "setHidden: true",
+            "observe com.orvane.corvelLS", "addArrangedSubview: 0",
+            "CVLView.centerX == UIStackView.centerX + 0", "CVLView.leading == UIStackView.leading + 10",
+            "CVLView.trailing == UIStackView.trailing - 10", "CVLView.height == 90" }));
+    // Made from the record, which is empty here.
+    for (UIView const child : phone().strip().children())
+        EXPECT_EQ(className(child), "UICollectionView");
+
+    std::size_t const second = phone().trace().count();
+    auto const other = anotherController();
+    Lines const again = steps(second);
+    ASSERT_GE(again.size(), 6u);
+    EXPECT_EQ(Lines(again.begin(), again.begin() + 6),
+        (Lines { "previous viewDidLoad", "sent initFirstPreferences", "addArrangedSubview: 0",
+            "CVLView.centerX == UIStackView.centerX + 0", "CVLView.leading == UIStackView.leading + 10",
+            "CVLView.trailing == UIStackView.trailing - 10" }));
+}
+
 INSTANTIATE_TEST_SUITE_P(Systems, LockScreenStripOn, testing::ValuesIn(kVersions));
 
 TEST_F(LockScreenStrip, IsMadeWithTheFrameOfItsScreen)
@@ -169,6 +230,19 @@ TEST_F(LockScreenStrip, IsFirstAndStaysWhereItIsWhenAlwaysOnTop)
     EXPECT_EQ(arranged(host()).front(), "CVLView");
     EXPECT_EQ(arranged(host()).size(), 2u);
     EXPECT_EQ(placements().size(), 1u);
+}
+
+TEST_F(LockScreenStrip, IsPutFirstOnceALoad)
+{
+    boot(options("15.4", { { "isAlwaysOnTop", true } }));
+    phone().setMusicPlaying(true);
+    std::size_t const before = phone().trace().count();
+
+    host().send<"viewDidLoad">();
+
+    EXPECT_EQ(placements(before), Lines { "insertArrangedSubview:atIndex: 0" });
+    EXPECT_EQ(arranged(host()).front(), "CVLView");
+    EXPECT_EQ(arranged(host()).size(), 2u);
 }
 
 TEST_F(LockScreenStrip, FollowsTheSwitchToTheTopAtOnce)
@@ -257,6 +331,47 @@ TEST_F(LockScreenStrip, StartsHiddenUntilItIsSummoned)
     EXPECT_TRUE(phone().strip().isHidden());
     EXPECT_EQ(told("frame", "call"), (Lines { "initWithFrame:", "setHidden:" }));
     EXPECT_EQ(told("frame", "view"), Lines(2, "strip"));
+}
+
+TEST_F(LockScreenStrip, IsHiddenByTheSettingOnlyWhenItIsMade)
+{
+    boot(options("15.4"));
+    ASSERT_TRUE(phone().changeSettings({ { "hideLSView", true } }, {}));
+    EXPECT_FALSE(phone().strip().isHidden());
+
+    host().send<"viewDidLoad">();
+    host().send<"_updatePresentingContent">();
+    auto const controller = anotherController();
+
+    EXPECT_EQ(arranged(controller.get()), Lines { "CVLView" });
+    EXPECT_FALSE(phone().strip().isHidden());
+}
+
+TEST_F(LockScreenStrip, IsNotShownByTheSettingOnceItIsMade)
+{
+    boot(options("15.4", { { "hideLSView", true } }));
+    ASSERT_TRUE(phone().changeSettings({ { "hideLSView", false } }, {}));
+
+    host().send<"viewDidLoad">();
+    host().send<"_updatePresentingContent">();
+
+    EXPECT_TRUE(phone().strip().isHidden());
+}
+
+TEST_F(LockScreenStrip, IsMissedByNothingBeforeItIsMade)
+{
+    boot(options("15.4", { { "isEnabled", false } }));
+    switchOn();
+    ASSERT_FALSE(phone().strip());
+    std::size_t const before = phone().trace().count();
+
+    phone().setMusicPlaying(true);
+    host().send<"_updatePresentingContent">();
+
+    for (Json const& event : events("stack", before))
+        EXPECT_TRUE(event.contains("own")) << event;   // SpringBoard's
+    EXPECT_EQ(arranged(host()).size(), 1u);
+    EXPECT_TRUE((host().send<"isPresentingContent", BOOL>()));   // which asks for no strip
 }
 
 TEST_F(LockScreenStrip, IsLeftAloneOnceSwitchedOff)
@@ -365,6 +480,29 @@ TEST_F(TurnedScreen, TurnsTheOverlayOncePerTurn)
     EXPECT_TRUE(turn(1).empty());
     EXPECT_TRUE(turn(2, { .screenChanged = false, .windowRotated = false }).empty());
     EXPECT_EQ(turn(2), Lines { "overlay rotateView" });
+}
+
+TEST_F(TurnedScreen, KnowsHowItLayWhenTheStripWasMade)
+{
+    bootWithOverlay();
+
+    EXPECT_TRUE(turn(1).empty());
+    EXPECT_EQ(turn(3), Lines { "overlay rotateView" });
+}
+
+TEST_F(TurnedScreen, KnowsThatItLayOnItsSideWhenTheStripWasMade)
+{
+    boot(options("15.4", { { "isEnabled", false } }));
+    ASSERT_TRUE(phone().setOrientation(4));
+    switchOn();
+    host().send<"viewDidLoad">();
+    phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
+    phone().advance(1);
+    ASSERT_TRUE(phone().overlay());
+    logStripMessages();
+
+    EXPECT_TRUE(turn(4).empty());
+    EXPECT_EQ(turn(1), Lines { "overlay rotateView" });
 }
 
 TEST_F(TurnedScreen, TurnsNothingWithoutAnOverlayButKeepsTheOrientation)

@@ -22,11 +22,12 @@ struct DidLoad {
     }
 };
 struct UpdateContent {
-    static inline objc::original<void(UIViewController, SEL)> original;
-    static void replacement(UIViewController self, SEL cmd)
+    static inline objc::original<NSUInteger(UIViewController, SEL)> original;
+    static NSUInteger replacement(UIViewController self, SEL cmd)
     {
         note(cmd);
         original(self, cmd);
+        return 0x2233445566778899;   // a result that nobody else would give
     }
 };
 struct InsertItem {
@@ -35,7 +36,7 @@ struct InsertItem {
     {
         note(cmd, (item ? " item " : " nil ") + std::string(animated ? "animated" : "still"));
         original(self, cmd, item, animated);
-        return 0x1122334455667788;   // a result that nobody else would give
+        return 0x1122334455667788;
     }
 };
 struct PresentingContent {

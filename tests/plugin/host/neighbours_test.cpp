@@ -44,13 +44,14 @@ TEST_P(Neighbour, SeesTheListLoad)
     EXPECT_TRUE(phone().strip());
 }
 
-TEST_P(Neighbour, SeesEveryUpdateOfTheListOnce)
+TEST_P(Neighbour, SeesEveryUpdateOfTheListOnceAndGivesItsAnswer)
 {
     bootBoth();
     notes();
 
-    phone().adjunctController().send<"_updatePresentingContent">();
+    auto const answer = phone().adjunctController().send<"_updatePresentingContent", NSUInteger>();
 
+    EXPECT_EQ(answer, 0x2233445566778899u);
     std::string const seen = notes();
     EXPECT_TRUE(seen.starts_with("_updatePresentingContent\n")) << seen;
     EXPECT_EQ(seen.find("_updatePresentingContent\n", 1), std::string::npos);

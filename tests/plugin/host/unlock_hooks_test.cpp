@@ -9,6 +9,9 @@ using Lines = std::vector<std::string>;
 
 constexpr char kWillDismiss[] = "previous lockScreenViewControllerWillDismiss";
 constexpr char kFinish[] = "previous _finishUIUnlockFromSource:withOptions:";
+constexpr char kDidDisappear[] = "previous viewDidDisappear:";
+
+Lines const kForgetting { kDidDisappear, "strip setShouldStayAtLS: false", "strip resetActionState" };
 
 struct Row {
     NSInteger code;
@@ -162,19 +165,16 @@ TEST_F(WaitingActions, ASwallowedUnlockLeavesTheLockScreenUp)
 
 TEST_F(WaitingActions, AreForgottenWhenThePasscodeScreenGoes)
 {
-    for (char const* const version : { "15.4" }) {
-        BootOptions system = options(version);
-        system.passcode = "1234";
-        boot(system);
-        logStripMessages();
-        std::size_t const before = phone().trace().count();
+    BootOptions system = options("15.4");
+    system.passcode = "1234";
+    boot(system);
+    logStripMessages();
+    std::size_t const before = phone().trace().count();
 
-        phone().passcodeController().send<"viewDidDisappear:">(BOOL(true));
+    phone().passcodeController().send<"viewDidDisappear:">(BOOL(true));
 
-        Lines lines = story(before);
-        std::erase(lines, "previous viewDidDisappear:");
-        EXPECT_EQ(lines, (Lines { "strip setShouldStayAtLS: false", "strip resetActionState" }));
-    }
+    EXPECT_EQ(story(before), kForgetting);
+    EXPECT_EQ(events("previous", before)[0]["arguments"], Json::array({ true }));
 }
 
 TEST_F(WaitingActions, AreForgottenWhenThePasscodeIsCancelled)
@@ -191,9 +191,7 @@ TEST_F(WaitingActions, AreForgottenWhenThePasscodeIsCancelled)
     ASSERT_TRUE(phone().cancelPasscode());
     phone().advance(1);
 
-    Lines lines = story(before);
-    std::erase(lines, "previous viewDidDisappear:");
-    EXPECT_EQ(lines, (Lines { "strip setShouldStayAtLS: false", "strip resetActionState" }));
+    EXPECT_EQ(story(before), kForgetting);
 }
 
 TEST_F(WaitingActions, DoNotExistWithoutAStrip)
@@ -205,9 +203,7 @@ TEST_F(WaitingActions, DoNotExistWithoutAStrip)
     EXPECT_EQ(finishUnlock(), Lines { kFinish });
     std::size_t const before = phone().trace().count();
     phone().passcodeController().send<"viewDidDisappear:">(BOOL(false));
-    Lines lines = story(before);
-    std::erase(lines, "previous viewDidDisappear:");
-    EXPECT_TRUE(lines.empty());
+    EXPECT_EQ(story(before), Lines { kDidDisappear });
 }
 
 TEST_F(WaitingActions, OutliveTheSwitchInTheSettings)
@@ -215,8 +211,14 @@ TEST_F(WaitingActions, OutliveTheSwitchInTheSettings)
     bootUnlocked();
     ASSERT_TRUE(phone().changeSettings({ { "isEnabled", false } }, {}));
     stripAnswers() = { 1, false };
-
     EXPECT_EQ(willDismiss(), (Lines { kWillDismiss, "strip actionState", "strip msgWA" }));
+
+    stripAnswers() = { 3, true };
+    EXPECT_EQ(finishUnlock(), (Lines { "strip getShouldStayAtLS", "strip actionState", "strip msgSMS" }));
+
+    std::size_t const before = phone().trace().count();
+    phone().passcodeController().send<"viewDidDisappear:">(BOOL(false));
+    EXPECT_EQ(story(before), kForgetting);
 }
 
 }
