@@ -279,7 +279,7 @@ struct PhoneWindow::Parts {
         return true;
     }
 
-    // Upright, on its left side, on its right side, upright.
+    // A quarter to the left each time.
     void rotate()
     {
         auto& device = phone();
@@ -287,8 +287,8 @@ struct PhoneWindow::Parts {
             isFingerDown = false;
             device.touchCancel();
         }
-        int const now = device.orientation();
-        device.setOrientation(now == 3 ? 4 : now == 4 ? 1 : 3);
+        constexpr int kNext[] { 1, 3, 4, 2, 1 };   // by the present orientation
+        device.setOrientation(kNext[device.orientation()]);
     }
 
     Size portrait;
