@@ -311,10 +311,12 @@ TEST_F(LockScreenStrip, IsPlacedOnceMoreAtARepeatedLoad)
 {
     boot(options("15.4"));
     UIView const strip = phone().strip();
+    strip.setTranslatesAutoresizingMaskIntoConstraints(true);
     std::size_t const before = phone().trace().count();
 
     host().send<"viewDidLoad">();
 
+    EXPECT_FALSE((strip.send<"translatesAutoresizingMaskIntoConstraints", BOOL>()));
     EXPECT_EQ(told("previous", "selector", before).front(), "viewDidLoad");
     EXPECT_EQ(arranged(host()), Lines { "CVLView" });
     EXPECT_EQ(phone().strip(), strip);

@@ -1,4 +1,6 @@
 // What the plug-in does when it is loaded, in order, as the trace tells it.
+#include "phone/uikit/ui_label.hpp"
+#include "tests/plugin/host/exit_handlers.hpp"
 #include "tests/support/phone_fixture.hpp"
 
 #include <algorithm>
@@ -182,16 +184,20 @@ TEST_P(StartUp, SkipsAMethodThatIsMissing)
 TEST_P(StartUp, LeavesAMethodOfTheSameNameAsItIs)
 {
     BootOptions options = system();
-    options.present = { std::string(GetParam().list()) + " activatorLS",
-        std::string(GetParam().list()) + " initFirstPreferences" };
+    for (char const* const selector :
+        { "activatorNONLS", "activatorLS", "cvlViewSwipeUp", "initFirstPreferences" })
+        options.present.push_back(std::string(GetParam().list()) + ' ' + selector);
     boot(options);
 
     Lines expected = hookRows(GetParam().list(), kManager, GetParam().passcode());
-    expected[2] += " not installed";
-    expected[7] += " not installed";
+    for (std::size_t const row : { 1, 2, 6, 7 })
+        expected[row] += " not installed";
     EXPECT_EQ(onlyRows(startUpStory()), expected);
-    // The strip is there; the gesture does what the method that was there does, which is nothing.
+    // The strip is there, made from a record that nobody filled; the gesture does what the method that was there does, which is
+    // nothing.
     ASSERT_TRUE(phone().strip());
+    for (UIView const child : phone().strip().children())
+        EXPECT_EQ(className(child), "UICollectionView");
     phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelLS");
     EXPECT_FALSE(phone().strip().isHidden());
 }
@@ -224,6 +230,38 @@ TEST_P(StartUp, LooksAtTheSettingsAgainWhenTheyChange)
         (Lines { "/var/jb/var/mobile/Library/Preferences/com.orvane.corvelpref.plist",
             "/var/jb/var/mobile/Library/Preferences/com.orvane.corvellist.plist" }));
     EXPECT_TRUE(events("hook", before).empty());
+}
+
+TEST_P(StartUp, HasItsRecordsGiveUpTheirColoursAtTheEndOneByOne)
+{
+    BootOptions options = system();
+    options.settings = Json { { "titleColor", "#010203" }, { "contactLabelColor", "#00ff00" } };
+    std::size_t const before = exitHandlers().size();
+    boot(options);
+    layoutWindowsIfNeeded();
+    auto const handlers = exitHandlers().subspan(before);
+    ASSERT_EQ(handlers.size(), 2u);
+    UIColor color;   // of the title: what both records own
+    for (UIView const label : viewsOfClass(phone().strip(), "UILabel"))
+        if (label.superview() == phone().strip())
+            color = UILabel { label.object }.textColor();
+    ASSERT_TRUE(color);
+    auto const references = [color] { return color.send<"retainCount", NSUInteger>(); };
+    NSUInteger const held = references();
+
+    // The controller's record first: the strip's own still gives its cells their colour.
+    handlers[0](nullptr);
+    EXPECT_EQ(references(), held - 1);
+    viewsOfClass(phone().strip(), "UICollectionView").at(0).send<"reloadData">();
+    layoutWindowsIfNeeded();
+    auto const cells = viewsOfClass(phone().strip(), "CVLContactCell");
+    ASSERT_FALSE(cells.empty());
+    EXPECT_TRUE(std::ranges::any_of(viewsOfClass(cells[0], "UILabel"), [](UIView label) {
+        return UILabel { label.object }.textColor().rgba() == graphics::Color { 0, 1, 0, 1 };
+    }));
+
+    handlers[1](nullptr);
+    EXPECT_EQ(references(), held - 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Systems, StartUp,
