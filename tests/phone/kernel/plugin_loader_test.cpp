@@ -3,6 +3,7 @@
 #include "phone/kernel/clock.hpp"
 #include "phone/kernel/commands.hpp"
 #include "phone/kernel/elf_library.hpp"
+#include "phone/kernel/plugin_formats.hpp"
 #include "phone/kernel/trace.hpp"
 
 #include <algorithm>
@@ -120,6 +121,50 @@ TEST_F(PluginLoaderTest, ABadLibraryDoesNotStopTheNext)
     EXPECT_EQ(names(reports), "A-B+gone-");
     EXPECT_FALSE(reports[0].problem.empty());
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
+}
+
+std::vector<std::string>& loadedCards()
+{
+    static std::vector<std::string> names;
+    return names;
+}
+
+TEST_F(PluginLoaderTest, TakesLibrariesOfAFurtherFormat)
+{
+    static int const address = 0;
+    addPluginFormat({ .extension = ".card",
+        .read =
+            [](PluginReport& report) {
+                report.needed = { "punch" };
+                return Status();
+            },
+        .load =
+            [](fs::path const& path) {
+                if (path.stem() == "B")
+                    return Status(Error { "'" + path.string() + "' is torn" });
+                loadedCards().push_back(path.stem().string());
+                return Status();
+            },
+        .holds = [](void const* asked) { return asked == &address && !loadedCards().empty(); } });
+    EXPECT_FALSE(isPluginAddress(&address));
+    library("A");
+    text("A.plist", kSpringBoardFilter);
+    for (std::string const name : { "B", "C", "D" }) {
+        text(name + ".card", "");
+        text(name + ".plist",
+            name == "D" ? bundles("<string>com.apple.mobilesafari</string>") : kSpringBoardFilter);
+    }
+
+    testing::internal::CaptureStderr();
+    auto const reports = loadPlugins({ folder }, {}, {});
+    std::string const said = testing::internal::GetCapturedStderr();
+
+    EXPECT_EQ(names(reports), "A+B-C+D-");
+    EXPECT_EQ(loadedCards(), std::vector<std::string> { "C" });
+    EXPECT_EQ(reports[1].problem, "'" + reports[1].path.string() + "' is torn");
+    EXPECT_EQ(reports[2].needed, std::vector<std::string> { "punch" });
+    EXPECT_NE(said.find("is torn"), std::string::npos) << said;
+    EXPECT_TRUE(isPluginAddress(&address));
 }
 
 TEST_F(PluginLoaderTest, ReadsTheFilter)
