@@ -2,6 +2,8 @@
 
 #include "phone/foundation/strings.hpp"
 
+#include <cmath>
+
 namespace phone {
 
 namespace {
@@ -24,8 +26,12 @@ struct ToObject {
         return NSNumber::cls().send<"numberWithDouble:", objc::handle>(value);
     }
     objc::handle operator()(std::string const& text) const { return toNSString(text); }
+    // Deviation: a date of CoreFoundation may be no number, but GNUstep raises for one. It comes as text, so that
+    // what stands around it is read.
     objc::handle operator()(Date date) const
     {
+        if (std::isnan(date.sinceReference))
+            return "nan"_ns;
         return NSDate::cls().send<"dateWithTimeIntervalSinceReferenceDate:", objc::handle>(
             date.sinceReference);
     }

@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 extern "C" void AudioServicesPlaySystemSound(std::uint32_t sound);
 
 void warmUpTests() { }
@@ -183,6 +185,17 @@ TEST_F(Foundation, PropertyListKindsSurviveTheWayThere)
         ASSERT_TRUE(value) << entry.key;
         EXPECT_EQ(*value, entry.value) << entry.key;
     }
+}
+
+TEST_F(Foundation, ADateThatIsNoNumberIsText)
+{
+    PropertyList const list(
+        PropertyListArray { Date { std::numeric_limits<double>::quiet_NaN() }, Date { 42 } });
+
+    auto const back = toPropertyList(toObject(list));
+
+    ASSERT_TRUE(back);
+    EXPECT_EQ(*back, PropertyList(PropertyListArray { "nan", Date { 42 } }));
 }
 
 TEST_F(Foundation, DarwinNotificationsCoalesceUntilTheNextTurn)

@@ -79,6 +79,16 @@ Bytes binary(std::vector<std::string> const& objects)
     return bytesOf(file);
 }
 
+// Two contacts; the first one's birthday begins with these two bytes of a number, all others being zero.
+Bytes birthdayOf(char const* firstBytes)
+{
+    return binary({ { "\xd1\x01\x02", 3 },
+        "\x5d"
+        "contactsArray",
+        { "\xa2\x03\x06", 3 }, { "\xd1\x04\x05", 3 }, std::string("\x5f\x10\x0f") + "contactBirthday",
+        "\x33" + std::string(firstBytes, 2) + std::string(6, '\0'), "\xd0" });
+}
+
 Bytes nestedBinary(std::size_t depth)
 {
     // Each array holds the next one; two-byte references and offsets of four bytes.
@@ -140,6 +150,9 @@ constexpr OddFile kOddFiles[] = {
             return xml(
                 "<dict><key>contactsArray</key><array><dict><key>contactBirthday</key><date>9999-99-99T99:99:99Z</date></dict></array></dict>");
         } },
+    { "DateThatIsNoNumber", [] { return birthdayOf("\x7f\xf8"); } },
+    { "DateAfterAllDays", [] { return birthdayOf("\x7f\xf0"); } },
+    { "DateBeforeAllDays", [] { return birthdayOf("\xff\xf0"); } },
     { "EntityBomb",
         [] {
             return bytesOf("<?xml version=\"1.0\"?><!DOCTYPE p [<!ENTITY a \"" + std::string(1000, 'a')
