@@ -7,6 +7,8 @@
 #include "phone/uikit/raise.hpp"
 
 #include <algorithm>
+#include <deque>
+#include <string>
 #include <utility>
 
 namespace phone {
@@ -15,18 +17,35 @@ namespace {
 
 Json textOrNull(NSString text) { return text ? Json(toString(text)) : Json(nullptr); }
 
-// As scripts have it: PNG in base64, with what UIImage says of it.
+std::string pngText(graphics::Bitmap const& bitmap)
+{
+    auto const png = graphics::encodePng(bitmap);
+    auto const data = objc::cls<"NSData">().send<"dataWithBytes:length:", NSData>(
+        static_cast<void const*>(png.data()), static_cast<NSUInteger>(png.size()));
+    return toString(data.send<"base64EncodedStringWithOptions:", NSString>(NSUInteger { 0 }));
+}
+
+// PNG in base64. The last few are kept, since the same icons come again with every menu; the pixels of an image don't change.
+std::string const& keptPngText(graphics::Bitmap const& bitmap)
+{
+    constexpr std::size_t kMostTexts = 32;
+    static std::deque<std::pair<graphics::Bitmap, std::string>> texts;
+    for (auto const& [known, text] : texts)
+        if (known == bitmap)
+            return text;
+    if (texts.size() == kMostTexts)
+        texts.pop_front();
+    return texts.emplace_back(bitmap, pngText(bitmap)).second;
+}
+
+// As scripts have it, with what UIImage says of it.
 Json imageOrNull(UIImage image)
 {
     if (!image)
         return nullptr;
-    auto const png = graphics::encodePng(image.bitmap());
-    auto const data = objc::cls<"NSData">().send<"dataWithBytes:length:", NSData>(
-        static_cast<void const*>(png.data()), static_cast<NSUInteger>(png.size()));
-    auto const text = data.send<"base64EncodedStringWithOptions:", NSString>(NSUInteger { 0 });
     CGSize const size = image.size();
-    return { { "image", toString(text) }, { "size", { size.width, size.height } }, { "scale", image.scale() },
-        { "renderingMode", image.renderingMode() } };
+    return { { "image", keptPngText(image.bitmap()) }, { "size", { size.width, size.height } },
+        { "scale", image.scale() }, { "renderingMode", image.renderingMode() } };
 }
 
 objc::ref<NSString> copied(NSString text)

@@ -10,6 +10,8 @@
 
 #include <map>
 #include <span>
+#include <string>
+#include <tuple>
 
 namespace phone {
 
@@ -50,7 +52,7 @@ std::map<std::string, Painter>& painters()
     return all;
 }
 
-graphics::Bitmap iconBitmap(std::string const& bundleIdentifier, double side, double scale)
+graphics::Bitmap paintedIcon(std::string const& bundleIdentifier, double side, double scale)
 {
     if (auto const found = painters().find(bundleIdentifier); found != painters().end())
         return found->second(side, scale);
@@ -60,6 +62,26 @@ graphics::Bitmap iconBitmap(std::string const& bundleIdentifier, double side, do
     }
     // The platform's blank icon for what is not installed.
     return graphics::letterIcon("", bundleIdentifier, side, scale);
+}
+
+// Kept: every menu asks for all of them anew.
+using IconKey = std::tuple<std::string, double, double>;   // bundle, side, scale
+std::map<IconKey, graphics::Bitmap>& paintedIcons()
+{
+    static std::map<IconKey, graphics::Bitmap> all;
+    return all;
+}
+
+graphics::Bitmap iconBitmap(std::string const& bundleIdentifier, double side, double scale)
+{
+    constexpr std::size_t kMostIcons = 64;
+    auto& icons = paintedIcons();
+    IconKey key { bundleIdentifier, side, scale };
+    if (auto const found = icons.find(key); found != icons.end())
+        return found->second;
+    if (icons.size() >= kMostIcons)
+        icons.clear();
+    return icons[std::move(key)] = paintedIcon(bundleIdentifier, side, scale);
 }
 
 graphics::Bitmap decode(NSData data, double scale)
@@ -139,6 +161,7 @@ UIImage filled(UIImage receiver, graphics::Bitmap bitmap)
 void registerApplicationIcon(std::string const& bundleIdentifier, Painter paint)
 {
     painters()[bundleIdentifier] = std::move(paint);
+    paintedIcons().clear();
 }
 
 UIImage UIImage::of(graphics::Bitmap bitmap)
