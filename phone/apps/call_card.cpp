@@ -7,6 +7,7 @@
 #include "phone/foundation/strings.hpp"
 #include "phone/graphics/path.hpp"
 #include "phone/springboard/scene_parts.hpp"
+#include "phone/springboard/screen_edges.hpp"
 #include "phone/springboard/springboard_state.hpp"
 
 namespace phone {
@@ -53,6 +54,7 @@ struct CallViews {
     objc::ref<UILabel> number;
     objc::ref<UIButton> end;
     objc::ref<DrawnView> endSign;
+    std::shared_ptr<ScreenEdges> edges;
 };
 
 void drawBackdrop(DrawContext& context, CGRect bounds, bool isVideo)
@@ -99,6 +101,7 @@ void layOut(CallViews const& views, CGRect bounds)
     double const endTop = bounds.size.height - insets.bottom - kEndSide - (isLandscape ? 16 : 72);
     views.end->setFrame({ { (width - kEndSide) / 2, endTop }, { kEndSide, kEndSide } });
     views.endSign->setFrame({ {}, { kEndSide, kEndSide } });
+    views.edges->layOut(bounds);
 }
 
 objc::ref<LayoutView> makeCard(Application const& application, std::string const& number)
@@ -129,6 +132,7 @@ objc::ref<LayoutView> makeCard(Application const& application, std::string const
     card->addSubview(views.number.get());
     card->addSubview(views.name.get());
     card->addSubview(views.end.get());
+    views.edges = std::make_shared<ScreenEdges>(card.get(), Color::white());
     card->setLayout([views](CGRect bounds) { layOut(views, bounds); });
     return card;
 }

@@ -4,6 +4,7 @@
 #include "phone/graphics/fonts.hpp"
 #include "phone/kernel/services.hpp"
 #include "phone/springboard/scene_parts.hpp"
+#include "phone/springboard/screen_edges.hpp"
 #include "phone/uikit/animation.hpp"
 #include "phone/uikit/ui_screen.hpp"
 #include "phone/uikit/ui_window.hpp"
@@ -71,6 +72,7 @@ ModalCard::ModalCard(UIViewController controller, std::string_view title)
     m_root->addSubview(m_card);
     for (UIView const view : { UIView(m_content.get()), UIView(m_title.get()), m_barLine.get() })
         m_card->addSubview(view);
+    m_edges = std::make_unique<ScreenEdges>(m_root, isDark() ? Color::white() : Color::black());
     m_root->setLayout([this](CGRect bounds) { layOut(bounds); });
     controller.setView(m_root.get());
 }
@@ -104,6 +106,9 @@ void ModalCard::layOut(CGRect bounds)
     m_dimming->setFrame(bounds);
     m_dimming->setHidden(!card);
     m_card->setCornerRadius(card ? kCardRadius : 0);
+    // The screen behind a card shows its own status bar; phones on their side show none.
+    m_edges->setStatusBarHidden(card || bounds.size.width > bounds.size.height);
+    m_edges->layOut(bounds);
     // As far below the screen as its corners are round: the lower ones don't show.
     CGRect const frame { { 0, top },
         { bounds.size.width, bounds.size.height - top + (card ? kCardRadius : 0) } };

@@ -4,11 +4,13 @@
 #pragma once
 
 #include "phone/apps/layout_view.hpp"
+#include "phone/springboard/screen_edges.hpp"
 #include "phone/uikit/ui_button.hpp"
 #include "phone/uikit/ui_label.hpp"
 #include "phone/uikit/ui_view_controller.hpp"
 
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -51,6 +53,7 @@ private:
     objc::ref<UILabel> m_title;
     objc::ref<UIView> m_barLine;
     std::vector<BarButton> m_buttons;
+    std::unique_ptr<ScreenEdges> m_edges;
 };
 
 // Colours of the system's sheets, by appearance. Lent.

@@ -6,6 +6,7 @@
 #include "phone/foundation/strings.hpp"
 #include "phone/kernel/services.hpp"
 #include "phone/springboard/scene_parts.hpp"
+#include "phone/springboard/screen_edges.hpp"
 #include "phone/uikit/ui_control.hpp"
 
 namespace phone {
@@ -86,7 +87,8 @@ objc::ref<LayoutView> makeCard(std::string const& text)
     for (UIView const view :
         { UIView(blur.get()), UIView(touchable.get()), UIView(label.get()), UIView(orb.get()) })
         card->addSubview(view);
-    card->setLayout([blur, touchable, label, orb](CGRect bounds) {
+    auto const edges = std::make_shared<ScreenEdges>(card.get(), Color::white());
+    card->setLayout([blur, touchable, label, orb, edges](CGRect bounds) {
         UIEdgeInsets const insets = usableInsets();
         double const left = insets.left + kMargin;
         double const width = bounds.size.width - left - insets.right - kMargin;
@@ -98,6 +100,7 @@ objc::ref<LayoutView> makeCard(std::string const& text)
         label->setFrame({ { left, top }, { width, height } });
         orb->setFrame({ { (bounds.size.width - kOrb) / 2, bounds.size.height - insets.bottom - kOrb - 16 },
             { kOrb, kOrb } });
+        edges->layOut(bounds);
     });
     return card;
 }

@@ -181,6 +181,7 @@ PasscodePad::PasscodePad(UIViewController controller)
     m_cancel->setTitleColor(UIColor::whiteColor(), ControlState::normal);
     m_cancel->addTarget(controller, objc::selector<"phone_cancelPressed:">(), ControlEvent::touchUpInside);
     view.addSubview(m_cancel);
+    m_edges = std::make_unique<ScreenEdges>(view, graphics::Color::white());
     view.setHidden(true);
     typedDidChange();
 }
@@ -215,6 +216,7 @@ void PasscodePad::layOut(CGRect bounds)
     double const side = isRightToLeft() ? -1 : 1;
     double const cancelMiddle = middle + side * pad.columnPitch * scale;
     m_cancel->setFrame({ { cancelMiddle - 50, lastRow + key / 2 - 22 }, { 100, 44 } });
+    m_edges->layOut(bounds);
 }
 
 void PasscodePad::typedDidChange()

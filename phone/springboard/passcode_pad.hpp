@@ -3,10 +3,12 @@
 #pragma once
 
 #include "phone/kernel/system_version.hpp"
+#include "phone/springboard/screen_edges.hpp"
 #include "phone/uikit/drawn_view.hpp"
 #include "phone/uikit/ui_button.hpp"
 #include "phone/uikit/ui_view_controller.hpp"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,6 +51,7 @@ private:
     objc::ref<DrawnView> m_dots;
     std::vector<objc::ref<UIControl>> m_keys;   // 1 to 9, then 0
     objc::ref<UIButton> m_cancel;
+    std::unique_ptr<ScreenEdges> m_edges;
 };
 
 }
