@@ -18,11 +18,14 @@ struct Scene {
     void (*prepare)(BootOptions& options);
     void (*act)(Phone& device) = nullptr;   // after the boot; null: nothing is done
     double rest = kSecondsToRest;           // seconds from there to the picture; 0: in mid-movement
+    bool restarts = false;                  // act ends in a respring; the picture is the next phone's
 };
 
 // In the order in which they are shown; by subject.
 std::vector<Scene> demoScenes();
 std::span<Scene const> lockScreenScenes();
+std::span<Scene const> touchScenes();
+std::span<Scene const> pickerScenes();
 std::span<Scene const> overlayScenes();
 
 }

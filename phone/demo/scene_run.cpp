@@ -1,6 +1,9 @@
 #include "phone/demo/scene_run.hpp"
 
+#include "phone/demo/finger.hpp"
+#include "phone/demo/telling.hpp"
 #include "phone/graphics/image_codec.hpp"
+#include "phone/main/restart_file.hpp"
 #include "phone/screen/device_frame.hpp"
 #include "phone/screen/renderer.hpp"
 #include "phone/springboard/view_tree.hpp"
@@ -12,6 +15,7 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <sstream>
 #include <thread>
 
 namespace phone {
@@ -68,6 +72,32 @@ void appendTree(std::string& text, Json const& view, std::size_t depth)
         appendTree(text, child, depth + 1);
 }
 
+// From the first touch on, what the finger did and what came of it.
+std::string storyOf(Phone& device)
+{
+    auto const& notes = Finger::notes();
+    if (notes.empty())
+        return {};
+    std::string text = "  what happened, with seconds since the boot:\n";
+    auto note = notes.begin();
+    auto const addNotes = [&](std::size_t until) {
+        for (; note != notes.end() && note->event <= until; ++note)
+            text += "              > " + note->text + "\n";
+    };
+    for (Json const& event : device.trace().events()) {
+        std::size_t const number = event["n"];
+        addNotes(number);
+        std::string const words = number < notes.front().event ? std::string() : inWords(event);
+        if (words.empty())
+            continue;
+        char time[16];
+        std::snprintf(time, sizeof time, "%10.2f  ", event["t"].get<double>());
+        text += time + withoutAddresses(words) + "\n";
+    }
+    addNotes(device.trace().count());
+    return text;
+}
+
 // What the plug-in caused, then its strip as a tree. Look-ups of classes are many and tell little here.
 std::string transcriptOf(Phone& device)
 {
@@ -76,6 +106,7 @@ std::string transcriptOf(Phone& device)
         text += "  plug-in: " + plugin.path.filename().string()
             + (plugin.isLoaded ? " loaded" : " not loaded: " + plugin.problem) + "\n";
     }
+    text += storyOf(device);
     text += "  recorded, but for look-ups by name:\n";
     for (Json const& event : device.trace().events()) {
         if (!event.contains("own") && event["kind"] != "lookup")
@@ -92,14 +123,39 @@ std::string transcriptOf(Phone& device)
     return text;
 }
 
-// In the child. Answers the problem, or nothing.
-std::string play(Scene const& scene, std::filesystem::path const& picturePath, std::string& transcript)
+// A file without a name that parent and child share: the first line is the problem, the rest the transcript.
+using SharedFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+std::string contentsOf(std::FILE* file)
 {
-    auto& device = phone();
+    std::string text;
+    std::rewind(file);
+    char buffer[8192];
+    while (std::size_t const count = std::fread(buffer, 1, sizeof buffer, file))
+        text.append(buffer, count);
+    return text;
+}
+
+// The disk of a phone that ended in a respring, where the one that came up is a guest: ours to remove. Empty: none.
+std::filesystem::path& leftRoot()
+{
+    static std::filesystem::path path;
+    return path;
+}
+
+BootOptions optionsOf(Scene const& scene)
+{
     BootOptions options;
     options.scale = kPictureScale;
     options.passcode = kPasscode;
     scene.prepare(options);
+    return options;
+}
+
+// Boots, and does what the scene does up to its picture. Answers the problem, or nothing.
+std::string bootAndAct(Scene const& scene, BootOptions const& options)
+{
+    auto& device = phone();
     auto root = DeviceRoot::makeTemporary();
     if (!root)
         return root.message();
@@ -114,26 +170,73 @@ std::string play(Scene const& scene, std::filesystem::path const& picturePath, s
         if (scene.rest > 0)
             device.advance(scene.rest);
     }
+    return {};
+}
+
+// The phone before the respring, in a process of its own: it leaves the file of its restart, named in the answer's first line, and
+// what its finger did in the lines after it.
+[[noreturn]] void runUntilRestart(Scene const& scene, std::FILE* answer)
+{
+    phone().setRestartHandler([answer] {
+        auto const file = writeRestartFile(phone().restartState());
+        std::fprintf(answer, "%s\n", file ? file->c_str() : "");
+        for (FingerNote const& note : Finger::notes())
+            std::fprintf(answer, "%zu %s\n", note.event, note.text.c_str());
+        std::fflush(nullptr);
+        _exit(EXIT_SUCCESS);
+    });
+    std::string const problem = bootAndAct(scene, optionsOf(scene));
+    std::fprintf(stderr, "corvel-demo: %s: %s\n", scene.name,
+        problem.empty() ? "the phone did not restart" : problem.c_str());
+    phone().close();
+    std::fflush(nullptr);
+    _exit(EXIT_FAILURE);
+}
+
+// Boots the phone that comes up after the scene's respring. The disk is its predecessor's, which it closes at its end.
+std::string bootAfterRestart(Scene const& scene)
+{
+    SharedFile const answer(std::tmpfile(), std::fclose);
+    std::fflush(nullptr);
+    pid_t const child = answer ? fork() : -1;
+    if (child == 0)
+        runUntilRestart(scene, answer.get());
+    if (child < 0)
+        return std::string("cannot start: ") + std::strerror(errno);
+    waitpid(child, nullptr, 0);
+
+    std::istringstream lines(contentsOf(answer.get()));
+    std::string path;
+    std::getline(lines, path);
+    auto const state = takeRestartFile(path);
+    if (!state)
+        return "the phone did not restart";
+    std::vector<FingerNote> notes;
+    for (FingerNote note; lines >> note.event && std::getline(lines >> std::ws, note.text);)
+        notes.push_back(std::move(note));
+    Finger::takeOver(std::move(notes));
+    leftRoot() = state->root;
+    if (auto const booted = phone().boot(optionsOf(scene), *state); !booted)
+        return booted.message();
+    phone().advance(kSecondsToRest);
+    return {};
+}
+
+// In the child. Answers the problem, or nothing.
+std::string play(Scene const& scene, std::filesystem::path const& picturePath, std::string& transcript)
+{
+    std::string const problem =
+        scene.restarts ? bootAfterRestart(scene) : bootAndAct(scene, optionsOf(scene));
+    if (!problem.empty())
+        return problem;
+    auto& device = phone();
     Renderer renderer;
-    DeviceFrame const frame({ options.width, options.height }, device.orientation());
+    DeviceFrame const frame({ device.options().width, device.options().height }, device.orientation());
     auto const picture = frame.picture(renderer.drawScreen(kPictureScale));
     if (!graphics::writePngFile(picture, picturePath.string()))
         return "cannot write " + picturePath.string();
     transcript = transcriptOf(device);
     return {};
-}
-
-// A file without a name that parent and child share: the first line is the problem, the rest the transcript.
-using SharedFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-std::string contentsOf(std::FILE* file)
-{
-    std::string text;
-    std::rewind(file);
-    char buffer[8192];
-    while (std::size_t const count = std::fread(buffer, 1, sizeof buffer, file))
-        text.append(buffer, count);
-    return text;
 }
 
 [[noreturn]] void runChild(Scene const& scene, std::filesystem::path const& picture, std::FILE* answer)
@@ -144,6 +247,10 @@ std::string contentsOf(std::FILE* file)
     std::fwrite(text.data(), 1, text.size(), answer);
     std::fflush(nullptr);
     phone::phone().close();
+    if (!leftRoot().empty()) {
+        std::error_code ignored;
+        std::filesystem::remove_all(leftRoot(), ignored);
+    }
     _exit(0);
 }
 

@@ -153,7 +153,7 @@ std::span<Scene const> lockScreenScenes() { return kScenes; }
 std::vector<Scene> demoScenes()
 {
     std::vector<Scene> all;
-    for (auto const scenes : { lockScreenScenes(), overlayScenes() })
+    for (auto const scenes : { lockScreenScenes(), touchScenes(), pickerScenes(), overlayScenes() })
         all.insert(all.end(), scenes.begin(), scenes.end());
     return all;
 }
