@@ -1,10 +1,12 @@
 // corvel-phone: a phone with Corvel on its lock screen, in a window or on a picture.
 #include "phone/apps/address_book.hpp"
+#include "phone/automation/console/console.hpp"
 #include "phone/graphics/image_codec.hpp"
 #include "phone/kernel/services.hpp"
 #include "phone/kernel/vcard.hpp"
 #include "phone/main/program_options.hpp"
 #include "phone/main/restart_file.hpp"
+#include "phone/main/web_driver.hpp"
 #include "phone/phone.hpp"
 #include "phone/screen/device_frame.hpp"
 #include "phone/screen/renderer.hpp"
@@ -13,6 +15,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -98,6 +101,25 @@ int writeShot(ProgramOptions const& options)
     return EXIT_SUCCESS;
 }
 
+// The console alone, without a window: until it ends, or the phone wants to restart. A clock that runs is moved along.
+PhoneWindow::End runConsole(Console& console, ClockMode mode)
+{
+    using Time = std::chrono::steady_clock;
+    constexpr double kPatience = 0.02;   // seconds
+    auto& thePhone = phone::phone();
+    bool wantsRestart = false;
+    thePhone.setRestartHandler([&wantsRestart] { wantsRestart = true; });
+    auto last = Time::now();
+    while (!console.hasEnded() && !wantsRestart) {
+        console.wait(kPatience);
+        console.runCommands();
+        auto const now = Time::now();
+        thePhone.advance(mode == ClockMode::running ? std::chrono::duration<double>(now - last).count() : 0);
+        last = now;
+    }
+    return wantsRestart ? PhoneWindow::End::restart : PhoneWindow::End::closed;
+}
+
 // The phone restarts as another process of the same program, which takes this one's place.
 [[noreturn]] void restart(std::vector<std::string> arguments)
 {
@@ -134,10 +156,22 @@ int main(int count, char** words)
         std::fputs(programHelp().c_str(), stdout);
         return EXIT_SUCCESS;
     }
+    if (options.webDriverPort) {
+        if (options.contacts) {
+            if (auto const read = readContacts(options); !read)
+                return fail(read.message());
+        }
+        return serveWebDriver(options);
+    }
     PhoneWindow window;
-    if (!options.shot) {
-        if (auto const opened = window.open({ options.boot.width, options.boot.height }); !opened)
+    bool isWindowed = !options.shot && !options.isHeadless;
+    if (options.isHeadless && !options.shot && !options.opensConsole)
+        return fail("--headless goes with --console", kUsageStatus);
+    if (isWindowed) {
+        auto const opened = window.open({ options.boot.width, options.boot.height });
+        if (!opened && !options.opensConsole)
             return fail(opened.message() + "; --shot FILE writes a picture of the screen");
+        isWindowed = opened.hasValue();
     }
     if (auto const booted = boot(options); !booted)
         return fail(booted.message());
@@ -145,9 +179,20 @@ int main(int count, char** words)
         phone::phone().setOrientation(options.orientation);
     if (options.shot)
         return writeShot(options);
-    if (window.run() == PhoneWindow::End::restart) {
+    Console* console = nullptr;
+    if (options.opensConsole) {
+        console = new Console(options.boot);   // its thread may outlive this function
+        window.onEachTurn([console] {
+            console->runCommands();
+            return !console->hasEnded();
+        });
+    }
+    auto const end = isWindowed ? window.run() : runConsole(*console, options.boot.clock);
+    if (console)
+        console->close();
+    if (end == PhoneWindow::End::restart) {
         window.close();
         restart(arguments);
     }
-    return EXIT_SUCCESS;
+    return console && console->hasFailed() ? EXIT_FAILURE : EXIT_SUCCESS;
 }

@@ -85,6 +85,23 @@ Status takeOrientation(ProgramOptions& options, Value text)
     return {};
 }
 
+Status takePort(ProgramOptions& options, Value text)
+{
+    double const port = numberOf(text).value_or(-1);
+    if (!(port >= 0 && port <= 65535 && port == static_cast<int>(port)))
+        return Error { "a port is a number from 1 to 65535, or 0 for a free one" };
+    options.webDriverPort = static_cast<int>(port);
+    return {};
+}
+
+Status takeClock(ProgramOptions& options, Value text)
+{
+    if (text != "manual" && text != "running")
+        return Error { "a clock is manual (moved by scripts) or running" };
+    options.clock = text == "manual" ? ClockMode::manual : ClockMode::running;
+    return {};
+}
+
 struct Row {
     char const* name;
     char const* valueName;   // null: takes none
@@ -179,6 +196,33 @@ constexpr Row kRows[] {
             options.drawsFrame = true;
             return Status();
         } },
+    { "console", nullptr, "a prompt into the running phone; `help` there tells more",
+        [](ProgramOptions& options, Value) {
+            options.opensConsole = true;
+            return Status();
+        } },
+    { "headless", nullptr, "no window",
+        [](ProgramOptions& options, Value) {
+            options.isHeadless = true;
+            return Status();
+        } },
+    { "webdriver", "PORT", "serve WebDriver on this port; 0 picks a free one", takePort },
+    { "clock", "MODE", "with --webdriver: running or manual (running)", takeClock },
+    { "host", "ADDRESS", "with --webdriver: serve others too, at this address",
+        [](ProgramOptions& options, Value text) {
+            options.host = text;
+            return Status();
+        } },
+    { "allow-origin", "ORIGIN", "with --webdriver: a web page that may ask (may be given again)",
+        [](ProgramOptions& options, Value text) {
+            options.allowedOrigins.push_back(text);
+            return Status();
+        } },
+    { "inspector", "DIR", "with --webdriver: a folder to serve under /inspector",
+        [](ProgramOptions& options, Value text) {
+            options.inspector = text;
+            return Status();
+        } },
     { "help", nullptr, "this text",
         [](ProgramOptions& options, Value) {
             options.asksForHelp = true;
@@ -241,6 +285,14 @@ Result<ProgramOptions> parseProgramOptions(std::vector<std::string> const& argum
             + "\"? --help tells the options" };
     if (options.drawsFrame && !options.shot)
         return Error { "--frame goes with --shot FILE" };
+    bool const concernsWebDriver =
+        options.clock || !options.host.empty() || !options.allowedOrigins.empty() || options.inspector;
+    if (concernsWebDriver && !options.webDriverPort)
+        return Error { "--clock, --host, --allow-origin and --inspector go with --webdriver PORT" };
+    if (options.webDriverPort && (options.shot || options.opensConsole))
+        return Error { "--webdriver runs until it is ended; leave --shot and --console out" };
+    if (options.shot && options.opensConsole)
+        return Error { "--shot ends the phone at once; leave --console out" };
     return options;
 }
 

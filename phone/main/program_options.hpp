@@ -22,7 +22,15 @@ struct ProgramOptions {
     bool printsTrace { false };
     bool playsMusic { false };
     bool asksForHelp { false };
+    bool opensConsole { false };   // a prompt on standard input
+    bool isHeadless { false };     // no window
     int orientation { 1 };
+
+    std::optional<int> webDriverPort;   // serve WebDriver; 0: on a free port
+    std::string host;                   // empty: this computer alone
+    std::vector<std::string> allowedOrigins;
+    std::optional<std::filesystem::path> inspector;   // a folder that is served under /inspector
+    std::optional<ClockMode> clock;                   // with WebDriver
 };
 
 // `arguments` without the program's name. The error is one line that names the option and its value.

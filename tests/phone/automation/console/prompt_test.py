@@ -1,0 +1,103 @@
+#!/usr/bin/env python3
+"""The console of corvel-phone, by pipes and on a terminal.
+
+    prompt_test.py CORVEL_PHONE
+"""
+
+import json
+import os
+import pathlib
+import pty
+import select
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PHONE = None
+
+
+class Prompt(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="corvel console ")))
+        self.environment = {"PATH": os.environ.get("PATH", ""), "HOME": str(self.folder), "TERM": "xterm"}
+        self.command = [PHONE, "--console", "--headless", "--root", str(self.folder / "root")]
+
+    def piped(self, text):
+        return subprocess.run(
+            self.command, input=text, capture_output=True, text=True, timeout=120, check=False, env=self.environment)
+
+    def test_commands_are_answered_in_order(self):
+        result = self.piped("send strip setAlpha: 0.5\nsend strip alpha\n\nvalue strip isViewNonLS\n")
+        self.assertEqual(result.stderr, "")
+        self.assertEqual(result.stdout, "null\n0.5\nfalse\n")
+        self.assertEqual(result.returncode, 0)
+
+    def test_the_clock_moves_when_it_is_told_to(self):
+        result = self.piped("trace\nadvance 60\nviews\nclass CVLView\n")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        lines = result.stdout.splitlines()
+        self.assertEqual(json.loads(lines[0])["n"], 0)
+        # A minute later on the lock screen's clock.
+        for words in ('"9:42"', "CVLView (", '"superclass": "UIView"'):
+            self.assertTrue(words in result.stdout, words)
+
+    def test_mistakes_name_what_was_meant_and_end_with_a_failure(self):
+        result = self.piped("send strip setAlfa: 1\nveiws\nclass CVLVeiw\nsend strip alpha\n")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout, "1.0\n")
+        errors = result.stderr.splitlines()
+        self.assertEqual(errors[0], "invalid argument: CVLView does not answer to `setAlfa:`; near: setAlpha:")
+        self.assertEqual(errors[1], "unknown command: `veiws`; near: views")
+        self.assertEqual(errors[2], "invalid argument: there is no class CVLVeiw; near: CVLView")
+
+    def test_quit_ends_before_the_input_does(self):
+        result = self.piped("send strip alpha\nquit\nsend strip alpha\n")
+        self.assertEqual((result.stdout, result.returncode), ("1.0\n", 0))
+
+    def test_a_terminal_has_completion_and_history(self):
+        first = self.on_terminal(b"send strip setBlurrEffectC\t null\r", b"null")
+        self.assertIn("setBlurrEffectColorNonLS:", first)
+        history = self.folder / ".local/state/corvel/console_history"
+        self.assertIn("setBlurrEffectColorNonLS:", history.read_text(encoding="utf-8"))
+        self.assertEqual(history.stat().st_mode & 0o777, 0o600)
+        self.assertIn("setBlurrEffectColorNonLS:", self.on_terminal(b"\x1b[A\r", b"null"))   # the line before
+
+    def on_terminal(self, typed, awaited):
+        """What the terminal shows until the answer is there; the phone has then ended by Control-D."""
+        process, terminal = pty.fork()
+        if process == 0:
+            os.execve(self.command[0], self.command, self.environment)
+        shown = b""
+        place = 0   # behind what was awaited last
+
+        def read_until(end, seconds=60):
+            nonlocal shown, place
+            deadline = time.monotonic() + seconds
+            while time.monotonic() < deadline:
+                if (found := shown.find(end, place)) >= 0:
+                    place = found + len(end)
+                    return
+                if select.select([terminal], [], [], 0.2)[0]:
+                    try:
+                        shown += os.read(terminal, 4096)
+                    except OSError:
+                        return
+        try:
+            read_until(b"corvel> ")
+            os.write(terminal, typed)
+            read_until(b"\n" + awaited)
+            read_until(b"corvel> ")
+            os.write(terminal, b"\x04")
+            read_until(b"never", 10)
+        finally:
+            os.close(terminal)
+            _, status = os.waitpid(process, 0)
+        self.assertEqual(os.waitstatus_to_exitcode(status), 0, shown)
+        return shown.decode()
+
+
+if __name__ == "__main__":
+    PHONE = sys.argv[1]
+    unittest.main(argv=sys.argv[:1] + sys.argv[2:])
