@@ -210,6 +210,10 @@ int main(int argc, char** argv)
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
     std::vector<std::string> const names = chosenTests();
+    if (names.empty() && GTEST_FLAG_GET(filter) != "*") {
+        std::printf("[==========] Running 0 tests: the filter means none of this program's.\n");
+        return 0;   // as GoogleTest has it
+    }
     warmUpTests();
     if (std::getenv("CORVEL_TEST_IN_PROCESS"))
         return RUN_ALL_TESTS();
