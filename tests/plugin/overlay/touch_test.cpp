@@ -119,6 +119,35 @@ TEST_P(OverlayTouchIn, GoesByASwipeUp)
 
 INSTANTIATE_TEST_SUITE_P(Orientations, OverlayTouchIn, testing::Values(1, 3, 4));
 
+// What is in front turns into place within the time that the strip takes, from how it stood on the display.
+TEST_F(OverlayTouch, TurnsTogetherWithTheApplication)
+{
+    bootWithApplication(callingOptions());
+    summon();
+    UIView const front = phone().windows().front().rootViewController().view();
+    ASSERT_EQ(className(front.window()), "SBHomeScreenWindow");
+    struct Row {
+        int orientation;
+        double cosine, sine;
+        double seconds;
+    };
+    for (Row const row :
+        { Row { 3, 0, -1, 0.3 }, Row { 4, -1, 0, 0.6 }, Row { 1, 0, -1, 0.3 }, Row { 4, 0, 1, 0.3 } }) {
+        turn(row.orientation);
+        EXPECT_EQ(front.transform(), kIdentity) << row.orientation;
+        EXPECT_NEAR(front.presentation().transform.a, row.cosine, 1e-9) << row.orientation;
+        EXPECT_NEAR(front.presentation().transform.b, row.sine, 1e-9) << row.orientation;
+        wait(row.seconds / 2);
+        EXPECT_NEAR(std::abs(front.presentation().transform.b), row.seconds > 0.5 ? 1 : std::sqrt(0.5), 0.05);
+        // Touches reach it all the same.
+        int const before = touchesInApplication();
+        phone().tap({ 200, 300 }, 0.01);
+        EXPECT_EQ(touchesInApplication(), before + 1) << row.orientation;
+        wait(row.seconds);
+        EXPECT_EQ(front.presentation().transform, kIdentity) << row.orientation;
+    }
+}
+
 TEST_F(OverlayTouch, LeavesAWindowBehindThatLetsEverythingThrough)
 {
     bootWithApplication(callingOptions());
