@@ -71,8 +71,11 @@ public:
         m_isBodyChunked = isChunked;
         m_allowance = length;
     }
-    // All of the request was read.
-    bool isAtEnd() const { return m_hasHead && !m_isBodyChunked && m_allowance == 0; }
+    // All of the request was read; of chunks their reader has to say so.
+    bool isAtEnd(bool isChunkEnd) const
+    {
+        return m_hasHead && (m_isBodyChunked ? isChunkEnd : m_allowance == 0);
+    }
 
     bool is_readable() const override { return m_begin < m_end || pollOnce(POLLIN, 0); }
     bool is_writable() const override { return pollOnce(POLLOUT, 0); }
@@ -197,8 +200,8 @@ private:
 
 // The request that this thread serves.
 struct Exchange {
-    SocketStream* stream { nullptr };
-    bool closes { false };   // after the answer
+    bool closes { false };     // after the answer
+    bool isServed { false };   // the library has read the body whole, and asked the handler
 };
 thread_local Exchange t_exchange;
 
@@ -255,6 +258,7 @@ public:
             return check(request, response);
         });
         auto const serve = [this](httplib::Request const& request, httplib::Response& response) {
+            t_exchange.isServed = true;
             answer(response, m_handler(request.method, request.target, request.body));
         };
         for (auto const add : { &httplib::Server::Get, &httplib::Server::Options })
@@ -330,7 +334,7 @@ private:
             auto const isCrowded = [this] { return m_connections >= kMaxConnections; };
             while (stream.waitForRequest(m_options.idleSeconds, isCrowded)) {
                 stream.beginRequest(m_options.requestSeconds);
-                t_exchange = { &stream, false };
+                t_exchange = {};
                 bool isClosed = false;
                 bool const isGood =
                     process_request(stream, false, isClosed, [&stream](httplib::Request& request) {
@@ -339,8 +343,7 @@ private:
                         auto const length = lengths.size() == 1 ? lengthOf(lengths[0]) : std::nullopt;
                         stream.beginBody(length.value_or(0), isChunked);
                     });
-                bool const isWhole = stream.isAtEnd() || t_exchange.closes;
-                if (!isGood || isClosed || t_exchange.closes || !isWhole)
+                if (!isGood || isClosed || t_exchange.closes || !stream.isAtEnd(t_exchange.isServed))
                     break;
             }
             t_exchange = {};

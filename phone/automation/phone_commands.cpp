@@ -173,9 +173,13 @@ Answer<std::vector<objc::handle>> PhoneCommands::search(PhoneCommand const& comm
                 return CommandError { ErrorCode::noSuchElement, "no element with " + locator->description() };
             return objects;
         }
-        double const step = std::min(kSearchStep, command.implicitSeconds - waited);
-        m_passTime(step);
-        waited += step;
+        // Nothing new can be found on a screen that has not changed.
+        std::uint64_t const seen = displayRevision();
+        do {
+            double const step = std::min(kSearchStep, command.implicitSeconds - waited);
+            m_passTime(step);
+            waited += step;
+        } while (displayRevision() == seen && waited < command.implicitSeconds);
     }
 }
 

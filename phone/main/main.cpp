@@ -166,7 +166,7 @@ int main(int count, char** words)
     PhoneWindow window;
     bool isWindowed = !options.shot && !options.isHeadless;
     if (options.isHeadless && !options.shot && !options.opensConsole)
-        return fail("--headless goes with --console", kUsageStatus);
+        return fail("--headless goes with --webdriver PORT or --console", kUsageStatus);
     if (isWindowed) {
         auto const opened = window.open({ options.boot.width, options.boot.height });
         if (!opened && !options.opensConsole)

@@ -53,6 +53,33 @@ TEST(ProgramOptions, ReadEveryOption)
     EXPECT_TRUE(options->drawsFrame);
 }
 
+TEST(ProgramOptions, ReadWhatConcernsWebDriver)
+{
+    auto const options = parseProgramOptions(
+        { "--webdriver", "0", "--headless", "--clock", "manual", "--host", "0.0.0.0", "--allow-origin",
+            "http://localhost:3000", "--allow-origin", "http://a", "--inspector", "/tmp/i" });
+
+    ASSERT_TRUE(options) << options.message();
+    EXPECT_EQ(options->webDriverPort, 0);
+    EXPECT_TRUE(options->isHeadless);
+    EXPECT_EQ(options->clock, ClockMode::manual);
+    EXPECT_EQ(options->host, "0.0.0.0");
+    EXPECT_EQ(options->allowedOrigins.size(), 2u);
+    EXPECT_EQ(options->inspector, "/tmp/i");
+    EXPECT_FALSE(parseProgramOptions({})->webDriverPort);
+}
+
+TEST(ProgramOptions, RefuseWrongWordsAboutWebDriver)
+{
+    for (char const* const port : { "-1", "65536", "x", "1.5", "" })
+        EXPECT_FALSE(parseProgramOptions({ "--webdriver", port })) << port;
+    EXPECT_FALSE(parseProgramOptions({ "--webdriver", "1", "--clock", "fast" }));
+    EXPECT_FALSE(parseProgramOptions({ "--clock", "manual" }));
+    EXPECT_FALSE(parseProgramOptions({ "--allow-origin", "http://a" }));
+    EXPECT_FALSE(parseProgramOptions({ "--webdriver", "1", "--shot", "x.png" }));
+    EXPECT_FALSE(parseProgramOptions({ "--webdriver", "1", "--console" }));
+}
+
 TEST(ProgramOptions, TakeThePasscodeAway)
 {
     auto const options = parseProgramOptions({ "--no-passcode" });
