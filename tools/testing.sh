@@ -8,12 +8,13 @@ readonly kTestSeconds=3600   # for a test program that hangs; one whose tests ru
 
 runTests()
 {
-    local name=release wanted="" value
+    local name=release wanted="" clients=no value
     local -a packages=(build test) folders
     while (($#)); do
         case $1 in
             --sanitize) name=sanitize ;;
             --device) name=device packages+=(package device_test) ;;
+            --clients) clients=yes packages+=(clients) ;;
             --filter) takeValue "$1" "$@" && wanted=$value && shift ;;
             --no-install) mayInstall=no ;;
             *) unknownArgument test "$1" ;;
@@ -32,6 +33,7 @@ runTests()
         unlockBuild
     fi
     needTool ctest cmake
+    [[ $clients == no ]] || installClients
 
     # The runtime keeps classes, selectors and constant texts for ever, so leaks are no finding here.
     export ASAN_OPTIONS=${ASAN_OPTIONS-detect_leaks=0:strict_string_checks=1:detect_stack_use_after_return=1}
@@ -39,6 +41,7 @@ runTests()
 
     local -a options=(-j "$jobs" --verbose --no-tests=error --timeout "$kTestSeconds")
     local casesOnly=no folder
+    [[ $clients == no ]] || options+=(-C clients -R '^clients[.]')
     if [[ -n $wanted ]]; then
         local pattern=${wanted//[^[:alnum:]_*]/.}
         pattern=${pattern//\*/.*}
@@ -101,6 +104,24 @@ buildDevice()
     done
     # What an earlier run left is no result of this one.
     rm -rf -- "$root/build/device-phone/stories"
+}
+
+# The clients of npm, in build/clients, where the tests look for them.
+installClients()
+{
+    local folder=$root/build/clients
+    if ! { command -v node && command -v npm; } > /dev/null; then
+        die "the clients need Node 20.19 or later and npm, which are not among Debian 12's packages"
+    fi
+    if ! node -e 'const [a, b] = process.versions.node.split("."); process.exit(a > 20 || (a == 20 && b >= 19) ? 0 : 1)'; then
+        die "the clients need Node 20.19 or later, and this is $(node --version)"
+    fi
+    startLog clients
+    mkdir -p -- "$folder" || die "cannot write to $folder"
+    cp -- "$root"/tests/clients/npm/* "$folder/" || die "cannot write to $folder"
+    say "installing the clients"
+    (cd -- "$folder" && npm install --no-audit --no-fund --ignore-scripts --no-package-lock) < /dev/null >> "$g_log" 2>&1 ||
+        die "npm could not install the clients (see $g_log)"
 }
 
 # Prints failures and the line "N passed, N failed" from ctest's log. $1: ctest's status; $2: whether
