@@ -2,6 +2,11 @@
 // screen that goes dark.
 #include "tests/scenarios/actions.hpp"
 
+#include "phone/foundation/strings.hpp"
+#include "phone/uikit/ui_alert_controller.hpp"
+
+#include <algorithm>
+
 namespace phone {
 
 namespace {
@@ -57,6 +62,35 @@ TEST_P(LockStory, RunsTheLastOfTwoParkedActions)
             "present MFMessageComposeViewControllerCVL" }));
     EXPECT_TRUE(shows("+1 555 0100"));
     EXPECT_TRUE(phone().isLocked());
+}
+
+// The flag that keeps the phone on its lock screen was raised by the first wish and stays up for the second.
+TEST_P(LockStory, DropsAnotherAppsActionThatCameAfterOneForTheLockScreen)
+{
+    bootLocked({ { "singleTapAction", 5 } });
+    hold(contactButton(0));
+    wait();
+    UIAlertController const sheet { alert().object };
+    ASSERT_TRUE(sheet);
+    phone().strip().send<"buttonPressedAction:">(contactButton(0));
+    wait();
+    auto const actions = sheet.actionsOnScreen();
+    auto const chosen = std::ranges::find(
+        actions, "Send WhatsApp Message", [](UIAlertAction action) { return toString(action.title()); });
+    ASSERT_NE(chosen, actions.end());
+    sheet.choose(*chosen);
+    wait();
+    forget();
+
+    typePasscode();
+    wait();
+
+    EXPECT_EQ(effects(), (Effects { "passcode accepted", "passcode disappeared" }));
+    EXPECT_TRUE(phone().isLocked());
+    phone().requestUnlock();
+    wait();
+    EXPECT_TRUE(only(effects(), { "openURL", "present" }).empty());
+    EXPECT_FALSE(phone().isLocked());
 }
 
 TEST_P(LockStory, ForgetsAWishWhenTheSideButtonPutsThePasscodeAway)

@@ -116,6 +116,9 @@ TEST_F(Menu, HasAnIconForEachRow)
         bool const isCancel = action["title"] == "Cancel";
         EXPECT_EQ(action["style"], isCancel ? 1 : 0);
         EXPECT_EQ(action["image"].is_null(), isCancel) << action;
+        if (!isCancel) {   // it keeps its own colours
+            EXPECT_EQ(action["image"]["renderingMode"], 1);
+        }
     }
 }
 
@@ -158,6 +161,92 @@ TEST_F(Menu, LetsTheScreenGoWithCancelAndWithTheBirthday)
         EXPECT_FALSE(phone().idleTimer().isDisabled());
         EXPECT_FALSE(alert());
     }
+}
+
+TEST_F(Menu, OffersCallsBySiriFromThirteenOn)
+{
+    boot(options("13.0", { { "singleTapAction", 9 } }));
+    hold(contactButton());
+    wait();
+
+    EXPECT_EQ(alertRows(), expectedRows("13.0", 9));
+}
+
+TEST_F(Menu, OffersNoCallsBySiriJustBelowThirteen)
+{
+    boot(options("12.5", { { "singleTapAction", 9 } }));
+    hold(contactButton());
+    wait();
+
+    EXPECT_EQ(alertRows(), expectedRows("12.4", 9));
+}
+
+TEST_F(Menu, TellsTheBirthdayInThePhonesLanguage)
+{
+    auto hebrew = options("15.4", { { "singleTapAction", 9 } });
+    hebrew.language = "he";
+    boot(hebrew);
+    hold(contactButton());
+    wait();
+
+    EXPECT_TRUE(alertRow("Birthday: מרץ 09, 1990"));
+}
+
+TEST_F(Menu, OfNobodyHasRowsAllTheSame)
+{
+    boot(options("15.4", { { "singleTapAction", 9 }, { "askBeforeCall", false } }));
+
+    phone().strip().send<"showMenu:">(objc::handle {});
+    wait();
+
+    EXPECT_EQ(only(effects(), { "hold", "sheet" }), (Effects { "hold CVL", "sheet  - " }));
+    // Nil is not the empty text: a mail can be written to it.
+    EXPECT_EQ(alertRows(),
+        (std::vector<std::string> { "Call Contact", "Send WhatsApp Message", "Send Telegram Message",
+            "Call via WhatsApp", "Call via Telegram", "New SMS Message", "Facetime Call", "Email ()",
+            "Cancel" }));
+    touch(alertRow("New SMS Message"));
+    wait();
+    EXPECT_EQ(only(effects(), { "hold", "release", "present" }),
+        (Effects { "hold CVL", "present MFMessageComposeViewControllerCVL", "release CVL" }));
+}
+
+TEST_F(Menu, IsReopenedForTheOneWhoWasPressedAndThenForNobody)
+{
+    auto options = Story::options("15.4", { { "singleTapAction", 9 }, { "validateUnlockBeforeCall", true } });
+    options.passcode = kStoryPasscode;
+    boot(options);
+    hold(contactButton());
+    wait();
+    typePasscode();
+    wait();
+    EXPECT_EQ(only(effects(), { "sheet" }), Effects { kSheet });
+    touch(alertRow("Cancel"));
+    wait();
+
+    phone().strip().send<"showMenu:">(objc::handle {});
+    wait();
+    EXPECT_EQ(only(effects(), { "sheet" }), Effects { "sheet  - " });
+}
+
+TEST_F(Menu, GoesOnWaitingWhenItIsReopenedOnAPhoneThatIsLockedAgain)
+{
+    auto options = Story::options("15.4", { { "singleTapAction", 9 }, { "validateUnlockBeforeCall", true } });
+    options.passcode = kStoryPasscode;
+    boot(options);
+    hold(contactButton());
+    wait();
+    cancelPasscode();
+    wait();
+    forget();
+
+    phone().strip().send<"showMenu:">(objc::handle {});
+    wait();
+    EXPECT_EQ(effects(), (Effects { "passcodeTest yes", "unlockRequest", "passcode shown" }));
+    typePasscode();
+    wait();
+
+    EXPECT_EQ(only(effects(), { "sheet" }), Effects { kSheet });
 }
 
 // Each entry on each system.

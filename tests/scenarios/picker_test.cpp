@@ -57,6 +57,15 @@ protected:
                 return view;
         return {};
     }
+    // Of the alert that came up last.
+    static Json lastActions()
+    {
+        Json actions;
+        for (Json const& event : phone().trace().events())
+            if (event["kind"] == "present" && event.contains("actions"))
+                actions = event["actions"];
+        return actions;
+    }
     static void pick(std::vector<char const*> const& names)
     {
         for (char const* const name : names)
@@ -115,6 +124,7 @@ TEST_P(Picker, HandsOverInTheOrderTouched)
             "alert Corvel: You added 3 Contacts!\nEdit them using Corvel preferences\nDevice will now "
             "respring" }));
     EXPECT_EQ(alertRows(), std::vector<std::string> { "Respring" });
+    EXPECT_EQ(lastActions(), Json::parse(R"([{"title":"Respring","style":1,"image":null}])"));
     EXPECT_FALSE(presented("CNContactPickerViewController"));
     EXPECT_TRUE(phone().idleTimer().holds("CVL"));
     ASSERT_EQ(written().size(), 3u);
@@ -224,6 +234,7 @@ TEST_P(Picker, IsRefusedBehindAPasscode)
         (Effects {
             "passcodeTest yes", "alert Corvel: You need to unlock your iPhone before you can do that" }));
     EXPECT_EQ(alertRows(), std::vector<std::string> { "OK" });
+    EXPECT_EQ(lastActions(), Json::parse(R"([{"title":"OK","style":1,"image":null}])"));
     touch(alertRow("OK"));
     wait();
     EXPECT_EQ(effects(), (Effects { "dismiss UIAlertController" }));

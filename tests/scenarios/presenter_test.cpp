@@ -1,0 +1,220 @@
+// On what prompts and composers come up, by system version; and whom the idle timer's assertions go to.
+#include "tests/scenarios/actions.hpp"
+
+#include "phone/springboard/springboard_state.hpp"
+#include "phone/uikit/ui_color.hpp"
+
+namespace phone {
+
+namespace {
+
+constexpr double kAlertLevel = 2000;
+
+struct Version {
+    char const* text;
+    bool composersOnKeyWindow;
+    bool promptsInWindow;          // of the lock screen's strip
+    bool overlayPromptsInWindow;   // of the overlay's
+};
+constexpr Version kVersions[] {
+    { "12.4", false, false, true },
+    { "13.0", true, true, true },
+    { "13.7", true, true, true },
+    { "13.10", true, true, true },
+    { "14.0", false, true, true },
+    { "14.8", false, true, true },
+    { "15.4", false, true, true },
+    { "16.0", false, false, false },
+    { "16.1", false, false, false },
+};
+
+}
+
+class Presenters : public Story, public testing::WithParamInterface<Version> {
+protected:
+    static Json lastPresentation()
+    {
+        Json last;
+        for (Json const& event : phone().trace().events())
+            if (event["kind"] == "present")
+                last = event;
+        return last;
+    }
+    static std::string adjunctClass()
+    {
+        return isDashBoard() ? "SBDashBoardNotificationAdjunctListViewController"
+                             : "CSNotificationAdjunctListViewController";
+    }
+    static bool isDashBoard() { return std::string(GetParam().text) == "12.4"; }
+    static void expectPromptWindow(Json const& presentation)
+    {
+        EXPECT_EQ(presentation["presenter"], "UIViewController");
+        EXPECT_EQ(presentation["window"], kAlertLevel + 1);
+    }
+    static void bootPhone(int tapCode) { boot(options(GetParam().text, { { "singleTapAction", tapCode } })); }
+    // The button of the overlay's first contact.
+    static UIView overlayContact()
+    {
+        phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
+        wait();
+        for (UIView const view : visibleViews())
+            if (view.send<"isKindOfClass:", BOOL>(objc::class_handle { objc_getClass("CVLButton") })
+                && view.isDescendantOfView(phone().overlay()))
+                return view;
+        return {};
+    }
+    static UIWindow promptWindow()
+    {
+        for (UIWindow const window : phone().windows())
+            if (window.windowLevel() > kAlertLevel)
+                return window;
+        return {};
+    }
+};
+
+TEST_P(Presenters, OfPromptsOfTheLockScreensStrip)
+{
+    bootPhone(0);
+
+    touch(contactButton());
+    wait();
+
+    Json const event = lastPresentation();
+    EXPECT_EQ(event["animated"], true);
+    EXPECT_EQ(event["completion"], false);
+    if (GetParam().promptsInWindow) {
+        expectPromptWindow(event);
+    } else {
+        EXPECT_EQ(event["presenter"], adjunctClass());
+        EXPECT_FALSE(promptWindow());
+    }
+}
+
+TEST_P(Presenters, OfPromptsOfTheOverlaysStrip)
+{
+    bootPhone(0);
+
+    touch(overlayContact());
+    wait();
+
+    if (GetParam().overlayPromptsInWindow)
+        expectPromptWindow(lastPresentation());
+    else
+        EXPECT_NE(lastPresentation()["window"], kAlertLevel + 1);
+}
+
+TEST_P(Presenters, OfComposers)
+{
+    for (int const code : { 5, 7 }) {
+        if (!phone().isBooted())
+            bootPhone(code);
+        if (code == 5)
+            touch(contactButton());
+        else
+            phone().strip().send<"sndEmail">();
+        wait();
+
+        Json const event = lastPresentation();
+        EXPECT_EQ(event["class"],
+            code == 5 ? "MFMessageComposeViewControllerCVL" : "MFMailComposeViewControllerCVL");
+        EXPECT_EQ(event["animated"], true);
+        EXPECT_EQ(event["completion"], true);
+        if (GetParam().composersOnKeyWindow)
+            EXPECT_NE(event["presenter"], adjunctClass());
+        else
+            EXPECT_EQ(event["presenter"], adjunctClass());
+        EXPECT_FALSE(promptWindow());
+        touch(button("Cancel"));
+        wait();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySystem, Presenters, testing::ValuesIn(kVersions),
+    [](auto const& info) { return versionName(info.param.text); });
+
+class PromptWindow : public Presenters { };
+
+TEST_P(PromptWindow, IsMadeStepByStep)
+{
+    bootPhone(0);
+    std::size_t const before = phone().trace().count();
+    touch(contactButton());
+    wait();
+
+    std::vector<std::string> calls;
+    for (Json const& event : phone().trace().events(before))
+        if (event["kind"] == "window" && !event.contains("own"))
+            calls.push_back(event["call"].get<std::string>() + " " + event["value"].dump());
+    ASSERT_GE(calls.size(), 6u);
+    EXPECT_EQ(calls[0], R"(initWithFrame: {"rect":[0.0,0.0,390.0,844.0]})");
+    EXPECT_TRUE(calls[1].starts_with("setRootViewController: ")) << calls[1];
+    EXPECT_EQ(calls[2], "setWindowLevel: 2001.0");
+    EXPECT_EQ(calls[3], "setHidden: false");
+    EXPECT_EQ(calls[4], "_setSecure: true");
+    EXPECT_TRUE(calls[5].starts_with("setTintColor: ")) << calls[5];
+    EXPECT_EQ(calls.size(), 6u) << testing::PrintToString(calls);
+}
+
+TEST_P(PromptWindow, TakesTheKeyWindowsTintAndGoesWithItsPrompt)
+{
+    bootPhone(0);
+    UIColor const tint = UIColor::colorWithRed(0.2, 0.4, 0.6, 1);
+    springBoard().coverSheetWindow->setTintColor(tint);
+
+    touch(contactButton());
+    wait();
+    ASSERT_TRUE(promptWindow());
+    EXPECT_TRUE(promptWindow().tintColor().isEqual(tint));
+    EXPECT_FALSE(promptWindow().isHidden());
+
+    touch(alertRow("No"));
+    wait();
+    EXPECT_FALSE(promptWindow());
+}
+
+INSTANTIATE_TEST_SUITE_P(Systems, PromptWindow, testing::Values(kVersions[2], kVersions[6]),
+    [](auto const& info) { return versionName(info.param.text); });
+
+// Which object keeps the screen awake.
+class Assertions : public Story, public testing::WithParamInterface<CoverSheetAnswer> {
+protected:
+    static std::vector<std::string> providers()
+    {
+        std::vector<std::string> keys;
+        for (Json const& event : phone().trace().events())
+            if (event["kind"] == "assertion")
+                keys.push_back(event["provider"]);
+        return keys;
+    }
+};
+
+TEST_P(Assertions, GoWhereTheManagerSays)
+{
+    auto options = Story::options("15.4", { { "singleTapAction", 5 } });
+    options.coverSheet = GetParam();
+    boot(options);
+    phone().trace().reset();
+    forget();
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_TRUE(presented("MFMessageComposeViewController"));
+    switch (GetParam()) {
+    case CoverSheetAnswer::dashBoard:
+    case CoverSheetAnswer::both:
+        EXPECT_EQ(providers(), std::vector<std::string> { "_idleTimerProvider" });
+        break;
+    case CoverSheetAnswer::coverSheet:
+        EXPECT_EQ(providers(), std::vector<std::string> { "_dashBoardIdleTimerProvider" });
+        break;
+    case CoverSheetAnswer::neither: EXPECT_TRUE(providers().empty()); break;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, Assertions,
+    testing::Values(CoverSheetAnswer::dashBoard, CoverSheetAnswer::coverSheet, CoverSheetAnswer::both,
+        CoverSheetAnswer::neither),
+    [](auto const& info) { return "Answer" + std::to_string(static_cast<int>(info.param)); });
+
+}
