@@ -1,6 +1,7 @@
 // How long the phone and the plug-in take: booting, building strips, cells, scrolling, and what a hook costs.
 #include "bench/in_child.hpp"
 #include "bench/ratio_reporter.hpp"
+#include "bench/web_driver_bench.hpp"
 
 #include "objc/define.hpp"
 #include "objc/hook.hpp"
@@ -251,6 +252,8 @@ void registerAll()
     inProcesses(benchmark::RegisterBenchmark("cellWithPhoto", cellWithPhoto));
     inProcesses(benchmark::RegisterBenchmark("cellWithoutPhoto", cellWithoutPhoto));
     inProcesses(benchmark::RegisterBenchmark("scrollFrame", scrollFrame));
+    for (auto* const each : registerWebDriverBenchmarks(options()))
+        inProcesses(each);
     benchmark::RegisterBenchmark("plainMessage", plainMessage)
         ->Repetitions(kRepetitions)
         ->ReportAggregatesOnly();
