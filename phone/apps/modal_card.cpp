@@ -68,6 +68,8 @@ ModalCard::ModalCard(UIViewController controller, std::string_view title)
     m_card->setClipsToBounds(true);
     m_title->setTextColor(UIColor::labelColor());
     m_title->setTextAlignment(NSInteger(NSTextAlignment::center));
+    m_title->setAdjustsFontSizeToFitWidth(true);
+    m_title->setMinimumScaleFactor(0.8);
     m_root->addSubview(m_dimming);
     m_root->addSubview(m_card);
     for (UIView const view : { UIView(m_content.get()), UIView(m_title.get()), m_barLine.get() })
