@@ -9,19 +9,26 @@
 #include "platform/foundation.hpp"
 #include "tests/support/fork_runner.hpp"
 
+#include "phone/kernel/file.hpp"
+
+#include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <string_view>
+#include <unistd.h>
 
 void warmUpTests() { }
 
 // Substrate's part, as far as the library needs it.
+static IMP g_replaced = nullptr;   // by the last hook
 extern "C" IMP class_replaceMethod(Class cls, SEL selector, IMP implementation, char const* encoding);
 extern "C" IMP method_getImplementation(Method method);
 extern "C" char const* method_getTypeEncoding(Method method);
 extern "C" void MSHookMessageEx(Class cls, SEL selector, IMP replacement, IMP* original)
 {
     Method const method = class_getInstanceMethod(cls, selector);
-    *original = method_getImplementation(method);
+    *original = g_replaced = method_getImplementation(method);
     class_replaceMethod(cls, selector, replacement, method_getTypeEncoding(method));
 }
 
@@ -56,13 +63,17 @@ protected:
             .method<"layout:flip:", &Host::layoutFlip>()
             .method<"keepBlock:", &Host::keepBlock>()
             .install();
-        auto const loaded = loadAppleLibrary(
-            std::filesystem::path(CORVEL_PROBES) / (isArm64e ? "arm64e" : "arm64") / "Probe.dylib",
-            GetParam());
+        auto const loaded = loadAppleLibrary(probeFile(), GetParam());
         ASSERT_TRUE(loaded) << loaded.message();
         library = *loaded;
         host = objc::adopt(Host::alloc().init<Host>());
         probe = objc::adopt(Probe::alloc().init<Probe>());
+    }
+
+    static std::filesystem::path probeFile()
+    {
+        bool const isArm64e = GetParam() == MachOArchitecture::arm64e;
+        return std::filesystem::path(CORVEL_PROBES) / (isArm64e ? "arm64e" : "arm64") / "Probe.dylib";
     }
 
     AutoreleasePool pool;
@@ -143,6 +154,26 @@ TEST_P(AppleLibraryOf, GetsZeroFromNilAndDoesWithoutACppLibrary)
     EXPECT_STREQ((probe->send<"reversed:", NSString>("corvel"_ns)).UTF8String(), "levroc6");
 }
 
+TEST_P(AppleLibraryOf, IsNotLoadedWhenNobodyHasAnImport)
+{
+    auto bytes = readFile(probeFile());
+    ASSERT_TRUE(bytes) << bytes.message();
+    std::string_view const name = "_sel_registerName";
+    for (auto at = bytes->begin();
+         (at = std::search(at, bytes->end(), name.begin(), name.end())) != bytes->end(); ++at)
+        at[name.size() - 1] = 'o';
+    auto const path =
+        std::filesystem::temp_directory_path() / ("Probe-" + std::to_string(getpid()) + ".dylib");
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<char const*>(bytes->data()), static_cast<std::streamsize>(bytes->size()));
+
+    auto const loaded = loadAppleLibrary(path, GetParam());
+
+    std::filesystem::remove(path);
+    ASSERT_FALSE(loaded);
+    EXPECT_EQ(loaded.message(), path.string() + ": nobody has what the library imports: _sel_registerNamo");
+}
+
 TEST_P(AppleLibraryOf, IsKnownByItsAddresses)
 {
     EXPECT_TRUE(isAppleLibraryAddress(library->base()));
@@ -194,6 +225,30 @@ TEST_P(AuthenticatedLibrary, GetsOriginalsSigned)
     EXPECT_EQ(authenticatedCode(reinterpret_cast<void*>(given), 0, "an original"),
         reinterpret_cast<void*>(
             class_getMethodImplementation(NSObject::cls().get(), sel_registerName("description"))));
+}
+
+TEST_P(AuthenticatedLibrary, DoesNotCallAnOriginalThatIsSignedForAnotherUse)
+{
+    // Where the library keeps what the hook has replaced: its signature tells it from all else.
+    auto* const original = reinterpret_cast<void*>(g_replaced);
+    void* const kept = signedCode(original, 0);
+    void** slot = nullptr;
+    for (MachOSegment const& segment : library->image().segments) {
+        auto* const first = reinterpret_cast<void**>(library->base() + segment.place);
+        auto* const end = first + (segment.isWritable ? segment.size / sizeof(void*) : 0);
+        if (auto* const found = std::find(first, end, kept); found != end)
+            slot = found;
+    }
+    ASSERT_TRUE(slot);
+
+    EXPECT_DEATH(
+        {
+            for (std::uint64_t use = 1; use <= 8; ++use) {
+                *slot = signedCode(original, use);
+                static_cast<void>((host->send<"layout:flip:", CGRect>(CGRectMake(1, 2, 3, 4), BOOL(true))));
+            }
+        },
+        "");
 }
 
 TEST_P(AuthenticatedLibrary, MayNotHandOutABlockOfAnotherPlace)
