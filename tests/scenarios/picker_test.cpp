@@ -5,6 +5,8 @@
 #include "phone/kernel/date.hpp"
 #include "phone/springboard/starter_set.hpp"
 
+#include <set>
+
 namespace phone {
 
 namespace {
@@ -39,13 +41,11 @@ Json people()
 
 }
 
-class Picker : public Story, public testing::WithParamInterface<char const*> {
+class PickerStory : public Story {
 protected:
-    static BootOptions emptyStrip() { return options(GetParam(), Json::object(), Json::array()); }
-
-    static void openPicker()
+    static void openPicker(Json const& contacts = people())
     {
-        ASSERT_TRUE(phone().setAddressBook(people()));
+        ASSERT_TRUE(phone().setAddressBook(contacts));
         touch(addButton());
         wait();
     }
@@ -98,6 +98,11 @@ protected:
         auto const found = value(index, key);
         return found.as<std::string>() ? *found.as<std::string>() : "no text";
     }
+};
+
+class Picker : public PickerStory, public testing::WithParamInterface<char const*> {
+protected:
+    static BootOptions emptyStrip() { return options(GetParam(), Json::object(), Json::array()); }
 };
 
 TEST_P(Picker, OffersTheAddressBook)
@@ -281,6 +286,68 @@ TEST_P(Picker, BringsUpTheNewStripAfterTheRestart)
 
 INSTANTIATE_TEST_SUITE_P(EverySystemWithThePicker, Picker, testing::Values("13.7", "14.8", "15.4", "16.1"),
     [](auto const& info) { return versionName(info.param); });
+
+namespace {
+
+// What picked contacts don't answer to on some system, or answer with nothing, and what is then not stored.
+struct Unanswered {
+    char const* member;
+    std::set<std::string> lost;   // keys
+    bool answersNil { false };
+};
+std::vector<Unanswered> unanswered()
+{
+    std::vector<Unanswered> all {
+        { "CNContact identifier", { "contactUniqueIdentifier" } },
+        { "CNContact imageData", { "contactImage" } },
+        { "CNContact birthday", { "contactBirthday" } },
+        { "CNContact phoneNumbers", { "contactPhoneNumber" } },
+        { "CNContact emailAddresses", { "contactEmail" } },
+        { "CNLabeledValue value", { "contactPhoneNumber", "contactEmail" } },
+        { "CNPhoneNumber stringValue", { "contactPhoneNumber" } },
+    };
+    for (std::size_t i = 0, count = all.size(); i < count; ++i)
+        all.push_back({ all[i].member, all[i].lost, true });
+    // Without the one name there is the other; one that answers nothing is asked no further.
+    all.push_back({ "CNContact firstName", {} });
+    all.push_back({ "CNContact lastName", {} });
+    all.push_back({ "CNContact firstName", { "contactFirstName" }, true });
+    all.push_back({ "CNContact lastName", { "contactLastName" }, true });
+    return all;
+}
+
+void PrintTo(Unanswered const& each, std::ostream* stream) { *stream << each.member; }
+
+}
+
+class PickedContact : public PickerStory, public testing::WithParamInterface<Unanswered> { };
+
+TEST_P(PickedContact, IsStoredWithoutWhatItDoesNotAnswer)
+{
+    auto options = Story::options("15.4", Json::object(), Json::array());
+    options.absent = { GetParam().member };
+    if (GetParam().answersNil)
+        options.present = { GetParam().member };
+    boot(options);
+    openPicker(Json::array({ person("Ada", "Lund",
+        { { "contactPhoneNumber", { "+1 555 0100" } }, { "contactEmail", { "ada@example.com" } },
+            { "contactImage", { { "data", "aW1hZ2U=" } } },
+            { "contactBirthday", { { "day", 9 }, { "month", 3 }, { "year", 1990 } } } }) }));
+
+    pick({ "Ada Lund" });
+
+    EXPECT_TRUE(alertRow("Respring"));
+    ASSERT_EQ(written().size(), 1u);
+    for (char const* const key : { "contactFirstName", "contactLastName", "contactUniqueIdentifier",
+             "contactImage", "contactBirthday", "contactPhoneNumber", "contactEmail" })
+        EXPECT_EQ(value(0, key) == PropertyList(""), GetParam().lost.contains(key)) << key;
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, PickedContact, testing::ValuesIn(unanswered()), [](auto const& info) {
+    std::string name = info.param.member;
+    std::erase(name, ' ');
+    return name + (info.param.answersNil ? "Nil" : "");
+});
 
 class PickerList : public Story { };
 
