@@ -12,6 +12,8 @@ void useEmptyList(Options options)
 {
     options.ios = { 15, 4 };
     options.contacts = Json::array();
+    // From iOS 13 on the strip is dark unless it is told otherwise.
+    options.settings = Json::object({ { "darkMode", false } });
     options.passcode.reset();
 }
 
@@ -29,6 +31,7 @@ constexpr Scene kScenes[] {
             useEmptyList(options);
             options.passcode = "1234";
             options.appearance = Appearance::dark;
+            options.settings.reset();
         },
         [](Phone& device) { Finger(device).tapStrip(); } },
     { "picker", "Picking contacts", "The button of an empty strip opens the address book.", useEmptyList,
