@@ -2,8 +2,8 @@
 // that has booted a phone leaves a file FOLDER/SUITE.TEST there, with its trace, an event a line, and the view trees of its windows
 // at the end. Linked into test programs whose tests boot a phone; there is nothing to call.
 //
-// Left out is what differs from process to process: addresses in descriptions, and process identifiers. Numbers are rounded to a
-// millionth, since processors differ in the last digits of what the C and text libraries compute.
+// Left out is what differs from process to process: addresses in descriptions, process identifiers, the middle of handles. Numbers
+// are rounded to a millionth, since processors differ in the last digits of what the C and text libraries compute.
 #include "phone/phone.hpp"
 #include "phone/springboard/view_tree.hpp"
 
@@ -30,13 +30,16 @@ void round(Json& number)
         number = std::round(value * kPerUnit) / kPerUnit + 0.0;   // no negative zero
 }
 
-// "<CVLView: 0x5561…; frame = …>" without the digits.
-void leaveOutAddresses(Json& text)
+// "<CVLView: 0x5561…; frame = …>" without the digits, "object-h5kq2-7" without the process's own part.
+void leaveOutTheProcess(Json& text)
 {
     static std::regex const address("0x[0-9a-f]{5,}");
+    static std::regex const handle("^object-[0-9a-z]+-");
     std::string const& described = text.get_ref<std::string const&>();
     if (described.find("0x") != std::string::npos)
         text = std::regex_replace(described, address, "0x");
+    else if (described.starts_with("object-"))
+        text = std::regex_replace(described, handle, "object-");
 }
 
 void makeComparable(Json& value)
@@ -44,7 +47,7 @@ void makeComparable(Json& value)
     if (value.is_number_float())
         round(value);
     else if (value.is_string())
-        leaveOutAddresses(value);
+        leaveOutTheProcess(value);
     else if (value.is_structured())
         for (Json& part : value)
             makeComparable(part);
