@@ -1,5 +1,7 @@
 #include "phone/automation/access_check.hpp"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <cctype>
 
@@ -27,10 +29,21 @@ std::string trimmed(std::string_view text)
     return std::string(text);
 }
 
+bool isAddress(std::string const& name)
+{
+    unsigned char bytes[sizeof(in6_addr)];
+    if (name.size() > 2 && name.front() == '[' && name.back() == ']')
+        return inet_pton(AF_INET6, name.substr(1, name.size() - 2).c_str(), bytes) == 1;
+    return inet_pton(AF_INET, name.c_str(), bytes) == 1;
+}
+
 bool isOurHost(std::string const& host, AccessRules const& rules)
 {
     std::string const port = ":" + std::to_string(rules.port);
     std::string const given = lower(host);
+    if (rules.allowsAddresses && given.ends_with(port)
+        && isAddress(given.substr(0, given.size() - port.size())))
+        return true;
     return std::ranges::any_of(rules.hosts, [&](std::string const& name) {
         return given == lower(name) + port || (rules.port == kHttpPort && given == lower(name));
     });

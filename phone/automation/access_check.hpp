@@ -14,6 +14,8 @@ struct AccessRules {
     std::vector<std::string> hosts { "localhost", "127.0.0.1",
         "[::1]" };                      // names by which this computer is called
     std::vector<std::string> origins;   // allowed further, as `http://localhost:3000`
+    // Any address by its numbers, for a server that others may ask: what a page of the web can't make a browser say is a number.
+    bool allowsAddresses { false };
     int port { 0 };
 };
 

@@ -412,6 +412,9 @@ Status HttpServer::start()
             parts.listeners.push_back(std::move(listener));
         return taken;
     };
+    std::error_code failure;
+    if (parts.options.inspector && !std::filesystem::is_directory(*parts.options.inspector, failure))
+        return Error { parts.options.inspector->string() + " is no folder that could be served" };
     int const port = add(host, parts.options.port);
     if (port <= 0)
         return Error { "the port " + std::to_string(parts.options.port) + " of " + host
@@ -419,8 +422,10 @@ Status HttpServer::start()
     parts.rules.port = port;
     if (parts.options.host.empty())
         static_cast<void>(add("::1", port));
-    else
+    else {
+        parts.rules.allowsAddresses = true;
         parts.rules.hosts.push_back(host.find(':') == std::string::npos ? host : "[" + host + "]");
+    }
     for (auto const& listener : parts.listeners)
         parts.threads.emplace_back([&listener = *listener] { listener.listenAfterBind(); });
     for (auto const& listener : parts.listeners)

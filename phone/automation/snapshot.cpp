@@ -4,6 +4,7 @@
 #include "phone/phone.hpp"
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/uikit/alert_presentation.hpp"
+#include "phone/uikit/presentation_order.hpp"
 #include "phone/uikit/ui_button.hpp"
 #include "phone/uikit/ui_screen.hpp"
 #include "phone/uikit/ui_scroll_view.hpp"
@@ -274,17 +275,18 @@ Element describeHidden(objc::handle object)
 
 UIAlertController frontMostAlert()
 {
-    auto windows = allWindows();
-    std::ranges::reverse(windows);
-    for (UIWindow const window : windows) {
+    UIViewController latest;
+    for (UIWindow const window : allWindows()) {
         if (window.isHidden())
             continue;
-        auto const controllers = presentedControllers(window);
-        for (std::size_t i = controllers.size(); i-- > 0;)
-            if (isOfClass(controllers[i], "UIAlertController"))
-                return UIAlertController { controllers[i].object };
+        for (UIViewController const each : presentedControllers(window)) {
+            bool const isAlert =
+                isOfClass(each, "UIAlertController") && !each.ask<"isBeingDismissed", BOOL>();
+            if (isAlert && presentationOrder(each) > presentationOrder(latest))
+                latest = each;
+        }
     }
-    return {};
+    return UIAlertController { latest.object };
 }
 
 }

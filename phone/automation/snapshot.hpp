@@ -23,7 +23,7 @@ bool isOnPhone(objc::handle object);
 // A view that a snapshot leaves out, on its own: as an element that is not visible.
 Element describeHidden(objc::handle object);
 
-// The alert or sheet in front; nil when there is none.
+// The alert or sheet that was presented last and is not on its way out; nil when there is none.
 UIAlertController frontMostAlert();
 
 }

@@ -7,6 +7,7 @@
 #include "phone/kernel/services.hpp"
 #include "phone/uikit/animation.hpp"
 #include "phone/uikit/json_values.hpp"
+#include "phone/uikit/presentation_order.hpp"
 #include "phone/uikit/ui_screen.hpp"
 #include "phone/uikit/ui_window.hpp"
 
@@ -36,6 +37,7 @@ struct ControllerState {
     NSInteger transitionStyle { 0 };
     AppearanceState appearance { AppearanceState::disappeared };
     bool isAnimated { false };
+    std::uint64_t presentation { 0 };   // its place among all presentations
     int transition { 0 };   // counts presentations and dismissals: the end of an older one is not ours
 
     ControllerState() = default;
@@ -314,6 +316,8 @@ void UIViewController::present(
     stateOf(presenter).presented = kept;
     state.presenting = presenter.object;
     state.isBeingPresented = true;
+    static std::uint64_t presentations = 0;
+    state.presentation = ++presentations;
     int const transition = ++state.transition;
     bool const covers = state.presentationStyle == kFullScreen;
 
@@ -420,6 +424,11 @@ void UIViewController::animatePresentation(BOOL presenting, std::function<void()
 
 void UIViewController::describePresentation(Json*) const { }
 BOOL UIViewController::mayBePresented() const { return true; }
+
+std::uint64_t presentationOrder(UIViewController controller)
+{
+    return controller ? stateOf(controller).presentation : 0;
+}
 
 std::vector<UIViewController> presentedControllers(UIWindow window)
 {

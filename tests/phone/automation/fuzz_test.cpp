@@ -1,13 +1,16 @@
 // Damaged input by the thousand, the same on every run: nothing crashes, nothing hangs, and what is refused is refused with one of
 // WebDriver's errors.
 #include "phone/automation/actions.hpp"
+#include "phone/automation/http_server.hpp"
 #include "phone/automation/locator.hpp"
 #include "phone/automation/session_server.hpp"
 #include "phone/automation/source_document.hpp"
+#include "tests/phone/automation/http_client.hpp"
 #include "tests/phone/automation/sample_screen.hpp"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
 
 namespace phone {
@@ -160,6 +163,43 @@ TEST(Damage, LeavesRequestsInOrder)
         ASSERT_TRUE(body["value"]["message"].is_string());
         ASSERT_TRUE(body["value"]["stacktrace"].is_string());
     }
+}
+
+// Over real sockets: each connection gets damaged bytes and is left. What reaches the handler named this server in one Host header.
+TEST(Damage, LeavesConnectionsInOrder)
+{
+    std::atomic<int> served = 0;
+    HttpOptions options;
+    options.requestSeconds = 0.2;
+    HttpServer server(options, [&served](std::string_view, std::string_view, std::string_view) {
+        ++served;
+        return wireAnswer(Json());
+    });
+    ASSERT_TRUE(server.start());
+    std::string const host = "Host: 127.0.0.1:" + std::to_string(server.port()) + "\r\n";
+    std::vector<std::string> const seeds { "GET /status HTTP/1.1\r\n" + host
+            + "Accept: application/json\r\n\r\n",
+        "POST /session HTTP/1.1\r\n" + host
+            + "Content-Type: application/json; charset=utf-8\r\nContent-Length: 2\r\n\r\n{}",
+        "POST /session HTTP/1.1\r\n" + host
+            + "Content-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n2\r\n{}\r\n0\r\n\r\n",
+        "DELETE /session/x HTTP/1.1\r\n" + host
+            + "Origin: http://example.org\r\nRange: bytes=0-5\r\nExpect: 100-continue\r\n\r\n",
+        "POST /x HTTP/1.1\r\n" + host
+            + "Content-Type: multipart/form-data; boundary=a\r\nContent-Length: 9\r\n\r\n--a\r\n\r\nb\r\n",
+        "HEAD /%00%zz HTTP/1.0\r\n" + host + "Connection: close\r\nContent-Encoding: gzip\r\n\r\n" };
+    Mutator mutator(7);
+    for (int round = 0; round < 600; ++round) {
+        HttpClient client(server.port());
+        client.send(mutator.mutate(seeds));
+        client.finishSending();
+        HttpReply const reply = client.receive(2);
+        if (reply.status == 0 || reply.status == 100)
+            continue;
+        ASSERT_TRUE(reply.status == 200 || (reply.status >= 400 && reply.status <= 505)) << reply.head;
+    }
+    EXPECT_GT(served, 0);
+    EXPECT_EQ(HttpClient(server.port()).ask("GET", "/status").status, 200);
 }
 
 }

@@ -108,6 +108,12 @@ HttpReply HttpClient::ask(
     return receive();
 }
 
+void HttpClient::finishSending()
+{
+    if (m_socket >= 0)
+        ::shutdown(m_socket, SHUT_WR);
+}
+
 bool HttpClient::isClosedByServer()
 {
     for (int i = 0; i < 20 && m_socket >= 0; ++i) {

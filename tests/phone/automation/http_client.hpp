@@ -35,6 +35,7 @@ public:
     // Bytes as they are, and then one answer. Waits `seconds` for it at most.
     void send(std::string_view bytes);
     HttpReply receive(double seconds = 20);
+    void finishSending();   // the server reads the connection's end; answers still come
 
     bool isClosedByServer();   // within two seconds
     void close();

@@ -215,6 +215,31 @@ TEST_F(WebDriver, OpensTheMenuByALongPressAndAnswersIt)
     EXPECT_EQ(element("class name", "XCUIElementTypeSheet"), "");
 }
 
+TEST_F(WebDriver, SpeaksOfTheAlertPresentedLast)
+{
+    start();
+    auto const send = [&](Json const& target, char const* selector, Json const& arguments = Json::array()) {
+        return script("phone: send",
+            Json::object({ { "target", target }, { "selector", selector }, { "arguments", arguments } }))
+            .value();
+    };
+    auto const present = [&](Json const& presenter, char const* title) {
+        Json const alert = send("UIAlertController",
+            "alertControllerWithTitle:message:preferredStyle:", Json::array({ title, " indented", 1 }));
+        send(alert, "addAction:",
+            Json::array({ send(
+                "UIAlertAction", "actionWithTitle:style:handler:", Json::array({ "OK", 0, nullptr })) }));
+        send(presenter, "presentViewController:animated:completion:", Json::array({ alert, true, nullptr }));
+    };
+    Json const windows = send(send("UIApplication", "sharedApplication"), "windows");
+    ASSERT_GE(windows.size(), 2u) << windows;
+    present(send(windows.back(), "rootViewController"), "First");
+    EXPECT_EQ(get("/alert/text").value(), "First\n indented");
+    present(send(windows[0], "rootViewController"), "Second");   // further back
+    EXPECT_EQ(get("/alert/text").value(), "Second\n indented");
+    EXPECT_EQ(post("/alert/accept").error(), "element not interactable");   // it lies behind the lock screen
+}
+
 TEST_F(WebDriver, ForgetsNoElementAndKeepsNoneAlive)
 {
     start();
@@ -485,16 +510,54 @@ TEST_F(WebDriver, RunsAClockThatRuns)
     EXPECT_EQ(post("/alert/dismiss").status, 200);
 }
 
-TEST_F(WebDriver, RestartsByItselfWhenTheClockRuns)
+// From an empty strip to a contact: the plug-in restarts the phone, with a running clock on its own and with one that is moved by
+// hand within a command.
+class WebDriverRestart : public WebDriver, public testing::WithParamInterface<ClockMode> { };
+
+TEST_P(WebDriverRestart, GoesOnWithThePhoneThatThePluginRestarts)
 {
     BootOptions boot = options();
-    boot.clock = ClockMode::running;
+    boot.passcode.reset();
+    boot.contacts = Json::array();
+    boot.clock = GetParam();
     start(boot);
+    bool const isRunning = GetParam() == ClockMode::running;
+    auto const wait = [&] {
+        if (isRunning)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+        else
+            advance(1.2);
+    };
+    auto const click = [&](std::string const& strategy, std::string const& value) {
+        auto const reply = post("/element/" + element(strategy, value) + "/click");
+        EXPECT_EQ(reply.status, 200) << value << reply.body;
+        wait();
+    };
     Json const before = script("mobile: activeAppInfo").value();
-    EXPECT_EQ(script("phone: respring").status, 200);
+    ASSERT_EQ(
+        script("phone: addressBook",
+            Json::parse(
+                R"({"contacts": [{"contactFirstName": "Taxi", "contactLastName": "", "contactPhoneNumber": "+1 555"}]})"))
+            .status,
+        200);
+    click("-ios class chain", "**/XCUIElementTypeOther[`name == 'adjunct'`]/**/XCUIElementTypeButton[1]");
+    click("accessibility id", "Taxi");
+    click("accessibility id", "Done");
+    std::size_t const events = kinds().size();
+    EXPECT_EQ(
+        script("mobile: alert", Json::parse(R"({"action": "accept", "buttonLabel": "Respring"})")).status,
+        200);
+    wait();
+    wait();
+
     EXPECT_NE(script("mobile: activeAppInfo").value()["pid"], before["pid"]);
-    EXPECT_NE(element("accessibility id", "Anna"), "");
+    EXPECT_NE(element("accessibility id", "Taxi"), "") << get("/source").body;
+    EXPECT_EQ(script("mobile: isLocked").value(), true);
+    EXPECT_GT(kinds().size(), events);
 }
+
+INSTANTIATE_TEST_SUITE_P(Clocks, WebDriverRestart, testing::Values(ClockMode::manual, ClockMode::running),
+    [](auto const& each) { return each.param == ClockMode::manual ? "Manual" : "Running"; });
 
 // ---- the connection
 
@@ -644,6 +707,28 @@ TEST_F(WebDriver, LeavesNothingOfTenThousandSessions)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_EQ(m_server->connectionCount(), 1u);
     EXPECT_EQ(descriptors(), before);
+}
+
+TEST_F(WebDriver, ServesTheFilesOfAnInspectorAndNoOthers)
+{
+    auto root = DeviceRoot::makeTemporary();
+    ASSERT_TRUE(root);
+    ASSERT_TRUE(root->write("/index.html", "hello", 5));
+    HttpOptions http;
+    http.inspector = root->folder();
+    serve(options(), http);
+    EXPECT_EQ(m_client->ask("GET", "/inspector/index.html").body, "hello");
+    EXPECT_EQ(m_client->ask("GET", "/inspector/").body, "hello");
+    EXPECT_EQ(m_client->ask("GET", "/inspector/nothing").status, 404);
+    for (char const* const path :
+        { "/inspector/../../etc/passwd", "/inspector/%2e%2e/%2e%2e/etc/passwd", "/inspector//etc/passwd" })
+        EXPECT_EQ(m_client->ask("GET", path).body.find("root:"), std::string::npos) << path;
+    HttpClient stranger(m_server->port());
+    stranger.send("GET /inspector/index.html HTTP/1.1\r\nHost: example.org\r\n\r\n");
+    EXPECT_EQ(stranger.receive().status, 403);
+    HttpServer missing({ .host = {}, .port = 0, .allowedOrigins = {}, .inspector = "/nowhere" },
+        [](std::string_view, std::string_view, std::string_view) { return WireAnswer {}; });
+    EXPECT_FALSE(missing.start());
 }
 
 TEST_F(WebDriver, TakesAPortOfItsOwn)

@@ -163,6 +163,13 @@ TEST(Access, IsForRequestsThatNameThisServer)
         EXPECT_EQ(accessOf({ { host }, {}, {}, false }), ErrorCode::forbidden) << host;
     EXPECT_EQ(accessOf({ {}, {}, {}, false }), ErrorCode::forbidden);
     EXPECT_EQ(accessOf({ { "localhost:4723", "localhost:4723" }, {}, {}, false }), ErrorCode::forbidden);
+    AccessRules forOthers;
+    forOthers.allowsAddresses = true;
+    for (char const* const host : { "192.168.1.5:4723", "[fe80::1]:4723", "localhost:4723" })
+        EXPECT_EQ(accessOf({ { host }, {}, {}, false }, forOthers), kAllowed) << host;
+    for (char const* const host :
+        { "192.168.1.5", "192.168.1:4723", "example.org:4723", "[x]:4723", ":4723" })
+        EXPECT_EQ(accessOf({ { host }, {}, {}, false }, forOthers), ErrorCode::forbidden) << host;
     AccessRules onPort80;
     onPort80.port = 80;
     EXPECT_EQ(accessOf({ { "localhost" }, {}, {}, false }, onPort80), kAllowed);
