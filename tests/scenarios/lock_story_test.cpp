@@ -149,6 +149,7 @@ TEST_P(LockStory, SendsAndCancelsAMessageByTouch)
         wait();
 
         EXPECT_EQ(effects(), (Effects { "release CVL", "dismiss MFMessageComposeViewControllerCVL" }));
+        EXPECT_EQ(phone().trace().events().back()["animated"], true);
         EXPECT_FALSE(phone().idleTimer().isDisabled());
     }
 }

@@ -17,6 +17,7 @@ struct Version {
     bool overlayPromptsInWindow;   // of the overlay's
 };
 constexpr Version kVersions[] {
+    { "9.3", false, false, true },
     { "12.4", false, false, true },
     { "13.0", true, true, true },
     { "13.7", true, true, true },
@@ -26,6 +27,7 @@ constexpr Version kVersions[] {
     { "15.4", false, true, true },
     { "16.0", false, false, false },
     { "16.1", false, false, false },
+    { "100.1", false, false, false },
 };
 
 }
@@ -45,7 +47,11 @@ protected:
         return isDashBoard() ? "SBDashBoardNotificationAdjunctListViewController"
                              : "CSNotificationAdjunctListViewController";
     }
-    static bool isDashBoard() { return std::string(GetParam().text) == "12.4"; }
+    static bool isDashBoard()
+    {
+        std::string const version = GetParam().text;
+        return version == "9.3" || version == "12.4";
+    }
     static void expectPromptWindow(Json const& presentation)
     {
         EXPECT_EQ(presentation["presenter"], "UIViewController");
@@ -172,7 +178,7 @@ TEST_P(PromptWindow, TakesTheKeyWindowsTintAndGoesWithItsPrompt)
     EXPECT_FALSE(promptWindow());
 }
 
-INSTANTIATE_TEST_SUITE_P(Systems, PromptWindow, testing::Values(kVersions[2], kVersions[6]),
+INSTANTIATE_TEST_SUITE_P(Systems, PromptWindow, testing::Values(kVersions[3], kVersions[7]),
     [](auto const& info) { return versionName(info.param.text); });
 
 // Which object keeps the screen awake.
