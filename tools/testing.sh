@@ -57,7 +57,7 @@ runTests()
             options+=(-R "$pattern")
         else
             export GTEST_FILTER="*$wanted*"
-            options+=(-E '^(script|device)[.]')
+            options+=(-E '^(script|device|clients|console)[.]')
             folders=("${folders[-1]}")
             casesOnly=yes
         fi

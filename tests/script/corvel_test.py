@@ -415,6 +415,30 @@ class Tests(ScriptTest):
         self.fails(result, "unpacking libraries for arm64 failed", "sysroot.log")
         self.assertIn("no mirror", result.stderr)
 
+    def clients(self, node="true"):
+        (self.stage.folder / "tests" / "clients" / "npm").mkdir(parents=True, exist_ok=True)
+        (self.stage.folder / "tests" / "clients" / "npm" / "package.json").write_text("{}")
+        self.stage.stand_in("node", node)
+        self.stage.stand_in("npm", 'pwd > "$STAGE/npm.folder"; [[ ! -e $STAGE/npm.fails ]]')
+        with open(self.stage.top / "installed", "a", encoding="utf-8") as installed:
+            installed.write("".join(f"{name}\n" for name in self.stage.packages("clients")))
+        return self.stage.run("test", "--clients")
+
+    def test_clients_are_installed_in_the_build_folder_and_told_their_stories(self):
+        result = self.clients()
+        self.assertEqual(result.returncode, 0, result.stderr)
+        folder = self.stage.folder / "build" / "clients"
+        self.assertEqual((self.stage.top / "npm.folder").read_text().strip(), str(folder))
+        self.assertTrue((folder / "package.json").exists())
+        self.assertIn(" -C clients -R ^clients[.]", self.called(result, "ctest")[-1])
+
+    def test_clients_that_cannot_be_had_are_told(self):
+        self.fails(self.clients("[[ $1 == --version ]] && echo v18.19.0"), "need Node 20.19", "v18.19.0")
+        self.stage.write("npm.fails", "")
+        self.fails(self.clients(), "npm could not install the clients", "clients.log")
+        self.stage.remove_tool("npm")
+        self.fails(self.stage.run("test", "--clients"), "need Node 20.19 or later and npm")
+
     def test_a_test_programs_name_is_a_filter(self):
         result = self.stage.run("test", "--filter", "objc")
         self.assertEqual(result.stdout, "1 passed, 0 failed\n")
