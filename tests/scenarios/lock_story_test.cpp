@@ -93,6 +93,16 @@ TEST_P(LockStory, DropsAnotherAppsActionThatCameAfterOneForTheLockScreen)
     EXPECT_FALSE(phone().isLocked());
 }
 
+TEST_P(LockStory, TellsItsParkedActionOnce)
+{
+    bootLocked({ { "singleTapAction", 2 } });
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ((phone().strip().send<"actionState", NSInteger>()), 7);
+    EXPECT_EQ((phone().strip().send<"actionState", NSInteger>()), 0);
+}
+
 TEST_P(LockStory, ForgetsAWishWhenTheSideButtonPutsThePasscodeAway)
 {
     bootLocked({ { "singleTapAction", 1 } });

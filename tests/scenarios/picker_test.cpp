@@ -197,6 +197,17 @@ TEST_P(Picker, ReplacesAListThatCameMeanwhileWithoutReadingIt)
     EXPECT_EQ(writes, 1);
 }
 
+TEST_P(Picker, StoresAPhotoWithoutBytesAsNone)
+{
+    boot(emptyStrip());
+    openPicker(Json::array({ person("Ada", "Lund", { { "contactImage", { { "data", "" } } } }) }));
+
+    pick({ "Ada Lund" });
+
+    ASSERT_EQ(written().size(), 1u);
+    EXPECT_EQ(text(0, "contactImage"), "");
+}
+
 TEST_P(Picker, LetsTheScreenGoWhenItIsCancelled)
 {
     boot(emptyStrip());
