@@ -94,7 +94,7 @@ public:
     // Views that the constraints place want their content's size.
     void addIntrinsicSizes()
     {
-        for (auto const& [object, variables] : std::map(m_variables)) {
+        for (id const object : std::vector(m_views)) {
             UIView const view { object };
             if (!usesLength(view))
                 continue;
@@ -122,8 +122,9 @@ public:
                 reportProblem("a constraint can't hold beside the others and is left out: " + words);
         }
         bool moved = false;
-        for (auto const& [object, variables] : m_variables) {
+        for (id const object : m_views) {
             UIView const view { object };
+            Variables const& variables = m_variables[object];
             std::array<AxisValues, 2> values {};
             for (Axis const axis : { horizontal, vertical }) {
                 AxisValues value = present(view, axis);
@@ -174,7 +175,7 @@ private:
     {
         if (!isFree(view))
             return present(view, axis).start;
-        auto& variable = m_variables[view.object].start[axis];
+        auto& variable = variablesOf(view).start[axis];
         if (!variable)
             variable = m_solver.addVariable(present(view, axis).start);
         return LinearExpression::of(*variable);
@@ -183,7 +184,7 @@ private:
     {
         if (!isFree(view))
             return present(view, axis).length;
-        auto& variable = m_variables[view.object].length[axis];
+        auto& variable = variablesOf(view).length[axis];
         if (!variable)
             variable = m_solver.addVariable(present(view, axis).length);
         return LinearExpression::of(*variable);
@@ -314,6 +315,14 @@ private:
             m_solver.add(length(stack, axis), LinearRelation::atMostZero, kStackHugging);
     }
 
+    Variables& variablesOf(UIView view)
+    {
+        auto const [place, isNew] = m_variables.try_emplace(view.object);
+        if (isNew)
+            m_views.push_back(view.object);
+        return place->second;
+    }
+
     static bool place(UIView view, AxisValues x, AxisValues y)
     {
         CGRect const bounds { view.bounds().origin, { x.length, y.length } };
@@ -331,6 +340,8 @@ private:
     UIView m_root;
     LayoutSolver m_solver;
     std::map<id, Variables> m_variables;
+    std::vector<id>
+        m_views;   // in the order in which they come up: where they lie in memory must decide nothing
     std::vector<std::string> m_words;   // by tag
 };
 

@@ -2,6 +2,9 @@
 #include "phone/uikit/ui_stack_view.hpp"
 #include "tests/phone/uikit/core_fixture.hpp"
 
+#include <algorithm>
+#include <vector>
+
 namespace phone::testing {
 
 class Layout : public CoreTest {
@@ -178,6 +181,32 @@ TEST_F(Layout, AStackIsAsHighAsWhatItHolds)
     layout();
     EXPECT_EQ(stack->frame().size.height, 90);
     EXPECT_EQ(strip->frame().origin.y, 0);
+}
+
+// Which of them is stretched is nobody's wish; where they lie in memory must not decide it.
+TEST_F(Layout, AStackOfEqualsIsTheSameInEveryOrderOfMemory)
+{
+    std::vector<objc::ref<UILabel>> labels;
+    for (int i = 0; i < 6; ++i) {
+        labels.push_back(make<UILabel>());
+        labels.back()->setText("Ada"_ns);
+    }
+    std::ranges::sort(labels, {}, [](auto const& label) { return label->object; });
+    auto const widths = [&] {
+        auto const stack = make<UIStackView>(CGRectMake(0, 0, 390, 40));
+        root().addSubview(stack);
+        for (auto const& label : labels)
+            stack->addArrangedSubview(label);
+        layout();
+        std::vector<double> result;
+        for (auto const& label : labels)
+            result.push_back(label->frame().size.width);
+        return result;
+    };
+    auto const upwards = widths();
+    std::ranges::reverse(labels);
+    EXPECT_EQ(widths(), upwards);
+    EXPECT_NE(upwards.front(), upwards.back());
 }
 
 TEST_F(Layout, AnArrangedViewThatIsRemovedStaysASubview)
