@@ -65,7 +65,10 @@ class Prompt(unittest.TestCase):
 
     def on_terminal(self, typed, awaited):
         """What the terminal shows until the answer is there; the phone has then ended by Control-D."""
-        process, terminal = pty.fork()
+        try:
+            process, terminal = pty.fork()
+        except OSError as error:   # a machine without /dev/pts
+            self.skipTest(f"no terminal can be made here: {error}")
         if process == 0:
             os.execve(self.command[0], self.command, self.environment)
         shown = b""
