@@ -2,7 +2,9 @@
 // screen that goes dark.
 #include "tests/scenarios/actions.hpp"
 
+#include "objc/hook.hpp"
 #include "phone/foundation/strings.hpp"
+#include "phone/springboard/substrate.hpp"
 #include "phone/uikit/ui_alert_controller.hpp"
 
 #include <algorithm>
@@ -20,6 +22,17 @@ Json borasEntry()
     entry["contactEmail"] = "bora@example.com";
     return entry;
 }
+
+NSInteger g_parkedAtRequest = 0;   // what the strip had parked when the unlock was asked for
+
+struct RequestUnlock {
+    static inline objc::original<void(objc::handle, SEL)> original;
+    static void replacement(objc::handle self, SEL cmd)
+    {
+        g_parkedAtRequest = phone().strip().send<"actionState", NSInteger>();
+        original(self, cmd);
+    }
+};
 
 }
 
@@ -101,6 +114,19 @@ TEST_P(LockStory, TellsItsParkedActionOnce)
 
     EXPECT_EQ((phone().strip().send<"actionState", NSInteger>()), 7);
     EXPECT_EQ((phone().strip().send<"actionState", NSInteger>()), 0);
+}
+
+TEST_P(LockStory, ParksItsActionBeforeItAsksForTheUnlock)
+{
+    bootLocked({ { "singleTapAction", 2 } });
+    auto const [replacement, slot] = objc::hook<RequestUnlock>();
+    MSHookMessageEx(objc_getClass("SBLockScreenManager"),
+        objc::selector<"lockScreenViewControllerRequestsUnlock">(), replacement, slot);
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ(g_parkedAtRequest, 7);
 }
 
 TEST_P(LockStory, ForgetsAWishWhenTheSideButtonPutsThePasscodeAway)
