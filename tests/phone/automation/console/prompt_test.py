@@ -12,6 +12,7 @@ import select
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 
@@ -74,10 +75,10 @@ class Prompt(unittest.TestCase):
         shown = b""
         place = 0   # behind what was awaited last
 
-        def read_until(end, seconds=60):
+        def read_until(end):
             """Whether the phone has let go of the terminal, instead of showing this."""
             nonlocal shown, place
-            deadline = time.monotonic() + seconds
+            deadline = time.monotonic() + 60
             while time.monotonic() < deadline:
                 if (found := shown.find(end, place)) >= 0:
                     place = found + len(end)
@@ -88,15 +89,19 @@ class Prompt(unittest.TestCase):
                     except OSError:
                         return True
             return False
+
+        def answer_prompt(keys):
+            """The prompt is shown before the line is edited; a key in between would be the terminal's own."""
+            read_until(b"corvel> ")
+            deadline = time.monotonic() + 60
+            while termios.tcgetattr(terminal)[3] & termios.ICANON and time.monotonic() < deadline:
+                time.sleep(0.01)
+            os.write(terminal, keys)
         try:
-            read_until(b"corvel> ")
-            os.write(terminal, typed)
+            answer_prompt(typed)
             read_until(b"\n" + awaited)
-            read_until(b"corvel> ")
-            for _ in range(60):   # one that comes before the line is edited counts for nothing
-                os.write(terminal, b"\x04")
-                if read_until(b"never", 1):
-                    break
+            answer_prompt(b"\x04")
+            read_until(b"never")
         finally:
             os.close(terminal)
             _, status = os.waitpid(process, 0)
