@@ -1,7 +1,7 @@
 #include "phone/apps/address_book.hpp"
 
+#include "phone/kernel/base64.hpp"
 #include "phone/kernel/date.hpp"
-#include "phone/springboard/base64.hpp"
 #include "phone/springboard/starter_set.hpp"
 
 #include <cmath>

@@ -3,8 +3,8 @@
 #include "phone/automation/scripts/script_targets.hpp"
 #include "phone/automation/source_document.hpp"
 #include "phone/foundation/strings.hpp"
+#include "phone/kernel/base64.hpp"
 #include "phone/phone.hpp"
-#include "phone/springboard/base64.hpp"
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/uikit/ui_screen.hpp"
 

@@ -1,28 +1,12 @@
 #include "phone/foundation/json_objects.hpp"
 
 #include "phone/foundation/strings.hpp"
+#include "phone/kernel/base64.hpp"
 #include "phone/kernel/date.hpp"
 
 namespace phone {
 
 namespace {
-
-std::string base64(unsigned char const* bytes, std::size_t count)
-{
-    static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    text.reserve((count + 2) / 3 * 4);
-    for (std::size_t i = 0; i < count; i += 3) {
-        unsigned const group = static_cast<unsigned>(bytes[i]) << 16
-            | (i + 1 < count ? static_cast<unsigned>(bytes[i + 1]) << 8 : 0)
-            | (i + 2 < count ? static_cast<unsigned>(bytes[i + 2]) : 0);
-        text += kDigits[group >> 18 & 63];
-        text += kDigits[group >> 12 & 63];
-        text += i + 1 < count ? kDigits[group >> 6 & 63] : '=';
-        text += i + 2 < count ? kDigits[group & 63] : '=';
-    }
-    return text;
-}
 
 nlohmann::ordered_json numberToJson(NSNumber number)
 {
@@ -52,8 +36,7 @@ nlohmann::ordered_json toJson(objc::handle object)
         return { { "date", isoDate(Date { seconds }) } };
     }
     if (NSData const data = objc::cast<NSData>(object)) {
-        auto const* const bytes = static_cast<unsigned char const*>(data.send<"bytes", void const*>());
-        return { { "data", base64(bytes, data.length()) } };
+        return { { "data", base64(data.send<"bytes", void const*>(), data.length()) } };
     }
     if (NSArray const array = objc::cast<NSArray>(object)) {
         nlohmann::ordered_json all = nlohmann::ordered_json::array();

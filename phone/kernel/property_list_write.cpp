@@ -1,5 +1,6 @@
 #include "phone/kernel/property_list.hpp"
 
+#include "phone/kernel/base64.hpp"
 #include "phone/kernel/property_list_nodes.hpp"
 #include "phone/kernel/text_encoding.hpp"
 
@@ -24,8 +25,6 @@ constexpr char const* kHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
 // Columns of a line of base64, less eight for each tab before it (CFPropertyList.c).
 constexpr std::size_t kDataColumns = 76;
 constexpr std::size_t kDataMaximumTabs = 8;
-
-constexpr char kBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // The platform sorts the keys of what it writes, so that equal dictionaries give equal files.
 std::vector<PropertyListEntry const*> sortedEntries(PropertyListDictionary const& dictionary)
@@ -106,7 +105,7 @@ public:
         std::size_t const bytesALine = columns / 4 * 3;
         for (std::size_t start = 0; start < data.size(); start += bytesALine) {
             indent(std::min(m_tabs, kDataMaximumTabs));
-            appendBase64(data.data() + start, std::min(bytesALine, data.size() - start));
+            m_text += base64(data.data() + start, std::min(bytesALine, data.size() - start));
             m_text += '\n';
         }
         line("</data>");
@@ -162,19 +161,6 @@ private:
             }
         }
         ((m_text += "</") += name) += ">\n";
-    }
-
-    void appendBase64(std::uint8_t const* bytes, std::size_t count)
-    {
-        for (std::size_t i = 0; i < count; i += 3) {
-            std::uint32_t const group = static_cast<std::uint32_t>(bytes[i] << 16)
-                | static_cast<std::uint32_t>(i + 1 < count ? bytes[i + 1] << 8 : 0)
-                | static_cast<std::uint32_t>(i + 2 < count ? bytes[i + 2] : 0);
-            m_text += kBase64[group >> 18];
-            m_text += kBase64[group >> 12 & 63];
-            m_text += i + 1 < count ? kBase64[group >> 6 & 63] : '=';
-            m_text += i + 2 < count ? kBase64[group & 63] : '=';
-        }
     }
 
     std::string& m_text;

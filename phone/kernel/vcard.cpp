@@ -1,5 +1,6 @@
 #include "phone/kernel/vcard.hpp"
 
+#include "phone/kernel/base64.hpp"
 #include "phone/kernel/date.hpp"
 #include "phone/kernel/file.hpp"
 #include "phone/kernel/text_encoding.hpp"
@@ -146,49 +147,6 @@ std::optional<Birthday> parseBirthday(std::string_view text)
     return Birthday { *day, *month, year };
 }
 
-// None when it is no base64 at all. White space counts for nothing; the padding may be missing.
-std::optional<Bytes> decodeBase64(std::string_view text)
-{
-    Bytes bytes;
-    bytes.reserve(text.size() / 4 * 3);
-    std::uint32_t group = 0;
-    int count = 0;
-    for (char c : text) {
-        std::uint32_t value;
-        if (c >= 'A' && c <= 'Z')
-            value = static_cast<std::uint32_t>(c - 'A');
-        else if (c >= 'a' && c <= 'z')
-            value = static_cast<std::uint32_t>(c - 'a' + 26);
-        else if (c >= '0' && c <= '9')
-            value = static_cast<std::uint32_t>(c - '0' + 52);
-        else if (c == '+' || c == '-')
-            value = 62;
-        else if (c == '/' || c == '_')
-            value = 63;
-        else if (c == '=')
-            break;
-        else if (std::isspace(static_cast<unsigned char>(c)))
-            continue;
-        else
-            return std::nullopt;
-        group = group << 6 | value;
-        if (++count == 4) {
-            bytes.insert(bytes.end(),
-                { static_cast<std::uint8_t>(group >> 16), static_cast<std::uint8_t>(group >> 8 & 0xFF),
-                    static_cast<std::uint8_t>(group & 0xFF) });
-            group = 0;
-            count = 0;
-        }
-    }
-    if (count == 1)
-        return std::nullopt;
-    if (count >= 2)
-        bytes.push_back(static_cast<std::uint8_t>(group >> (count * 6 - 8) & 0xFF));
-    if (count == 3)
-        bytes.push_back(static_cast<std::uint8_t>(group >> 2 & 0xFF));
-    return bytes;
-}
-
 // The bytes, or why there are none.
 Result<Bytes> photoOf(VcardProperty const& property)
 {
@@ -206,7 +164,7 @@ Result<Bytes> photoOf(VcardProperty const& property)
         if (comma == std::string::npos
             || lowercase(value.substr(0, comma)).find(";base64") == std::string::npos)
             return Error { "a photo in a data URI without base64" };
-        auto bytes = decodeBase64(std::string_view(value).substr(comma + 1));
+        auto bytes = bytesOfBase64(std::string_view(value).substr(comma + 1));
         if (!bytes || bytes->empty())
             return Error { "a photo whose base64 is damaged" };
         return *std::move(bytes);

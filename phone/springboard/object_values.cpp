@@ -2,8 +2,8 @@
 
 #include "phone/foundation/strings.hpp"
 #include "phone/graphics/image_codec.hpp"
+#include "phone/kernel/base64.hpp"
 #include "phone/kernel/date.hpp"
-#include "phone/springboard/base64.hpp"
 #include "phone/springboard/object_handles.hpp"
 #include "phone/uikit/ui_color.hpp"
 #include "phone/uikit/ui_image.hpp"

@@ -1,7 +1,7 @@
 #include "phone/springboard/starter_set.hpp"
 
+#include "phone/kernel/base64.hpp"
 #include "phone/kernel/services.hpp"
-#include "phone/springboard/base64.hpp"
 #include "phone/springboard/starter_pictures.hpp"
 
 #include <ctime>

@@ -1,6 +1,6 @@
 // What a WebDriver client does with a phone, request by request.
 #include "phone/automation/actions.hpp"
-#include "phone/springboard/base64.hpp"
+#include "phone/kernel/base64.hpp"
 #include "tests/phone/automation/web_driver_fixture.hpp"
 
 #include <gmock/gmock.h>

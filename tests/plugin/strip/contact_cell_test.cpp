@@ -3,7 +3,7 @@
 
 #include "phone/foundation/strings.hpp"
 #include "phone/graphics/image_codec.hpp"
-#include "phone/springboard/base64.hpp"
+#include "phone/kernel/base64.hpp"
 #include "phone/uikit/ui_button.hpp"
 #include "phone/uikit/ui_label.hpp"
 

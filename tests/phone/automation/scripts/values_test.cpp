@@ -4,7 +4,7 @@
 #include "phone/automation/scripts/value_objects.hpp"
 #include "phone/automation/scripts/value_types.hpp"
 #include "phone/graphics/image_codec.hpp"
-#include "phone/springboard/base64.hpp"
+#include "phone/kernel/base64.hpp"
 #include "phone/springboard/object_values.hpp"
 
 namespace phone {

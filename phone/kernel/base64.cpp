@@ -1,4 +1,6 @@
-#include "phone/springboard/base64.hpp"
+#include "phone/kernel/base64.hpp"
+
+#include <cctype>
 
 namespace phone {
 
@@ -29,17 +31,18 @@ std::string base64(void const* start, std::size_t count)
 std::optional<Bytes> bytesOfBase64(std::string_view text)
 {
     Bytes bytes;
+    bytes.reserve(text.size() / 4 * 3);
     unsigned bits = 0;
-    int count = 0;
+    int count = 0;   // of bits that are no byte yet
     bool isOver = false;
     for (char const c : text) {
-        if (c == '\n' || c == '\r' || c == ' ')
+        if (std::isspace(static_cast<unsigned char>(c)))
             continue;
         if (c == '=') {
             isOver = true;
             continue;
         }
-        auto const digit = kDigits.find(c);
+        auto const digit = kDigits.find(c == '-' ? '+' : c == '_' ? '/' : c);
         if (digit == kDigits.npos || isOver)
             return std::nullopt;
         bits = (bits << 6) | static_cast<unsigned>(digit);
@@ -50,6 +53,8 @@ std::optional<Bytes> bytesOfBase64(std::string_view text)
             bits &= (1u << count) - 1;
         }
     }
+    if (count == 6)   // a letter by itself
+        return std::nullopt;
     return bytes;
 }
 
