@@ -10,6 +10,7 @@ namespace phone {
 namespace {
 
 using graphics::Color;
+using CutOut = graphics::Display::CutOut;
 using graphics::Rect;
 using graphics::Size;
 
@@ -20,47 +21,14 @@ constexpr double kChin = 74;   // above and below the screen on phones with a ho
 constexpr double kHomeButton = 46;
 constexpr double kSquareBodyRadius = 48;
 
-// Measured radii, by the screen's size.
-struct DisplayRow {
-    double width;
-    double height;
-    double cornerRadius;
-    bool hasIsland;
-};
-constexpr DisplayRow kDisplays[] {
-    { 375, 812, 39, false },
-    { 414, 896, 41.5, false },
-    { 390, 844, 47.33, false },
-    { 428, 926, 53.33, false },
-    { 393, 852, 55, true },
-    { 430, 932, 55, true },
-};
-
-constexpr double kOtherDisplayRadius = 44;
-
-DisplayRow displayOf(Size portrait)
-{
-    for (DisplayRow const& row : kDisplays) {
-        if (row.width == portrait.width && row.height == portrait.height)
-            return row;
-    }
-    bool const isTall = portrait.height > 2 * portrait.width;
-    return { portrait.width, portrait.height, isTall ? kOtherDisplayRadius : 0, false };
 }
-
-}
-
-double displayCornerRadius(Size portrait) { return displayOf(portrait).cornerRadius; }
 
 DeviceFrame::DeviceFrame(Size portrait, int orientation)
     : m_portrait(portrait)
+    , m_display(graphics::Display::of(portrait))
     , m_orientation(orientation)
 {
-    DisplayRow const display = displayOf(portrait);
-    m_cornerRadius = display.cornerRadius;
-    bool const hasHomeButton = !(m_cornerRadius > 0);
-    if (!hasHomeButton)
-        m_cutOut = display.hasIsland ? CutOut::island : CutOut::notch;
+    bool const hasHomeButton = m_display.cutOut == CutOut::none;
     double const side = kGlass + kBand;
     double const end = hasHomeButton ? kChin : side;
     Size const screen = isLandscape() ? Size { portrait.height, portrait.width } : portrait;
@@ -72,7 +40,8 @@ DeviceFrame::DeviceFrame(Size portrait, int orientation)
 
 void DeviceFrame::drawBody(cairo_t* cairo) const
 {
-    double const radius = m_cornerRadius > 0 ? m_cornerRadius + kGlass + kBand : kSquareBodyRadius;
+    double const radius =
+        m_display.cornerRadius > 0 ? m_display.cornerRadius + kGlass + kBand : kSquareBodyRadius;
     Rect const body { 0, 0, m_size.width, m_size.height };
     graphics::addContinuousRect(cairo, body, radius);
     cairo_pattern_t* const metal = cairo_pattern_create_linear(0, 0, m_size.width, m_size.height);
@@ -83,7 +52,7 @@ void DeviceFrame::drawBody(cairo_t* cairo) const
     cairo_pattern_destroy(metal);
     graphics::addContinuousRect(cairo, body.inset(kBand, kBand), radius - kBand);
     graphics::fill(cairo, Color::hex(0x0b0b0d));
-    if (m_cornerRadius > 0)
+    if (m_display.cornerRadius > 0)
         return;
     graphics::Point const button = isLandscape()
         ? graphics::Point { m_orientation == 3 ? m_size.width - kChin / 2 : kChin / 2, m_size.height / 2 }
@@ -102,27 +71,24 @@ void DeviceFrame::addCutOut(cairo_t* cairo) const
     double const turns[] { 0, 0, 2 * kQuarter, -kQuarter, kQuarter };
     cairo_rotate(cairo, turns[m_orientation >= 1 && m_orientation <= 4 ? m_orientation : 1]);
     cairo_translate(cairo, -m_portrait.width / 2, -m_portrait.height / 2);
-    if (m_cutOut == CutOut::island) {
-        graphics::addCapsule(cairo, { m_portrait.width / 2 - 63, 11, 126, 37 });
-    } else {
-        // Wide and 30 high up to the 11 Pro, narrower and about as high after it.
-        double const width = m_portrait.width == 375 || m_portrait.width == 414 ? 209 : 162;
-        Rect const notch { m_portrait.width / 2 - width / 2, -20, width, 52 };
-        graphics::addRoundedRect(cairo, notch, 20);
-    }
+    double const x = (m_portrait.width - m_display.cutOutWidth) / 2;
+    if (m_display.cutOut == CutOut::island)
+        graphics::addCapsule(cairo, { x, 11, m_display.cutOutWidth, 37 });
+    else
+        graphics::addRoundedRect(cairo, { x, -20, m_display.cutOutWidth, 52 }, 20);   // about 30 high
     cairo_restore(cairo);
 }
 
 void DeviceFrame::drawScreen(cairo_t* cairo, graphics::Bitmap const& screen) const
 {
     cairo_save(cairo);
-    if (m_cornerRadius > 0)
-        graphics::addContinuousRect(cairo, m_screen, m_cornerRadius);
+    if (m_display.cornerRadius > 0)
+        graphics::addContinuousRect(cairo, m_screen, m_display.cornerRadius);
     else
         graphics::addRect(cairo, m_screen);
     cairo_clip(cairo);
     graphics::drawBitmap(cairo, screen, m_screen);
-    if (m_cutOut != CutOut::none) {
+    if (m_display.cutOut != CutOut::none) {
         addCutOut(cairo);
         graphics::fill(cairo, Color::black());
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "phone/graphics/bitmap.hpp"
+#include "phone/graphics/display.hpp"
 
 namespace phone {
 
@@ -23,20 +24,14 @@ public:
     graphics::Bitmap picture(graphics::Bitmap const& screen) const;
 
 private:
-    enum class CutOut { none, notch, island };
-
     void addCutOut(cairo_t* cairo) const;
     bool isLandscape() const { return m_orientation >= 3; }
 
     graphics::Size m_portrait;
+    graphics::Display m_display;
     int m_orientation;
     graphics::Size m_size;
     graphics::Rect m_screen;
-    double m_cornerRadius { 0 };   // of the display, points
-    CutOut m_cutOut { CutOut::none };
 };
-
-// Radius of the display's continuous corners; 0 for screens of phones with a home button.
-double displayCornerRadius(graphics::Size portrait);
 
 }

@@ -134,7 +134,7 @@ void HomeScreenScene::layOut()
     m_wallpaper->setFrame(bounds);
     if (m_card)
         m_card->setFrame(bounds);
-    m_statusBar->layOut(layout.statusBar, bounds.size.width);
+    m_statusBar->layOut(layout.statusBar, layout.statusBarEnd);
     m_homeIndicator->setHidden(!layout.hasHomeIndicator());
     m_homeIndicator->setFrame(fromGraphics(layout.homeIndicator));
     layOutIcons(bounds);

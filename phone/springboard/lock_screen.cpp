@@ -112,7 +112,7 @@ void LockScreenScene::layOut()
     m_layout = lockScreenLayout(toGraphics(bounds.size), bootOptions().ios);
 
     m_wallpaper->setFrame(bounds);
-    m_statusBar->layOut(m_layout.statusBar, bounds.size.width);
+    m_statusBar->layOut(m_layout.statusBar, m_layout.statusBarEnd);
     m_padlock->setFrame(fromGraphics(placed(m_layout.padlock)));
 
     graphics::Rect const time = placed(m_layout.time);

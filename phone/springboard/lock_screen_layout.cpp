@@ -1,5 +1,6 @@
 #include "phone/springboard/lock_screen_layout.hpp"
 
+#include "phone/graphics/display.hpp"
 #include "phone/graphics/fonts.hpp"
 
 #include <algorithm>
@@ -61,6 +62,9 @@ void placePortrait(LockScreenLayout& layout, Size screen, bool isNew)
 {
     double const safeTop = safeAreaTop(screen);
     layout.statusBar = { 0, 0, screen.width, safeTop };
+    auto const display = graphics::Display::of(screen);
+    if (display.cutOut != graphics::Display::CutOut::none)
+        layout.statusBarEnd = (screen.width - display.cutOutWidth) / 2;
     ClockRow const& clock = isNew ? rowFor(kNewClock, screen.height) : rowFor(kOldClock, screen.height);
     placeClock(layout, 0, screen.width, clock.timeBaseline, clock.dateBaseline);
 

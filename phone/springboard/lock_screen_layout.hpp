@@ -10,6 +10,7 @@ namespace phone {
 struct LockScreenLayout {
     graphics::Rect bounds;
     graphics::Rect statusBar;
+    double statusBarEnd { 0 };   // width at either side of the camera's cut-out; 0 where none is in the bar
     graphics::Rect padlock;
     graphics::Rect time;   // the label's box: text centred in it
     graphics::Rect date;

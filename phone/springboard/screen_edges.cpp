@@ -23,7 +23,7 @@ ScreenEdges::ScreenEdges(UIView superview, graphics::Color const& color)
 void ScreenEdges::layOut(CGRect screen)
 {
     LockScreenLayout const layout = lockScreenLayout(toGraphics(screen.size), bootOptions().ios);
-    m_statusBar.layOut(layout.statusBar, screen.size.width);
+    m_statusBar.layOut(layout.statusBar, layout.statusBarEnd);
     m_homeIndicator->setHidden(!layout.hasHomeIndicator());
     m_homeIndicator->setFrame(fromGraphics(layout.homeIndicator));
 }

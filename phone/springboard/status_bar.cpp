@@ -6,6 +6,8 @@
 #include "phone/springboard/lock_screen_layout.hpp"
 #include "phone/springboard/scene_parts.hpp"
 
+#include <algorithm>
+
 namespace phone {
 
 namespace {
@@ -15,6 +17,11 @@ constexpr double kBatteryLevel = 0.78;
 
 // Signal, wifi, battery from left to right in 74 x 14 points.
 constexpr graphics::Size kSignsSize { 74, 14 };
+constexpr double kSmallSignsScale = 0.85;   // in a bar without a cut-out
+
+constexpr double kTextSize = 15;
+constexpr double kSmallTextSize = 12;
+constexpr double kMarginInEnd = 12;
 
 void drawSigns(DrawContext& context, graphics::Color const& color)
 {
@@ -28,7 +35,7 @@ void drawSigns(DrawContext& context, graphics::Color const& color)
 StatusBar::StatusBar(UIView superview, StatusBarLeading leading)
     : m_leading(leading)
     , m_view(NamedView<"UIStatusBar_Modern">::make())
-    , m_text(makeText(kCarrier, 15, graphics::FontWeight::kMedium, graphics::Color::white()))
+    , m_text(makeText(kCarrier, kTextSize, graphics::FontWeight::kMedium, graphics::Color::white()))
     , m_signs(DrawnView::make({}, {}))
 {
     identify(m_signs, "signal, wifi, battery");
@@ -46,23 +53,35 @@ void StatusBar::setColor(graphics::Color const& color)
     m_signs->setDraw([color](DrawContext& context, CGRect) { drawSigns(context, color); });
 }
 
-void StatusBar::layOut(graphics::Rect frame, double screenWidth)
+CGSize StatusBar::fitText(double size, double width)
+{
+    auto const weight =
+        m_leading == StatusBarLeading::time ? graphics::FontWeight::kSemibold : graphics::FontWeight::kMedium;
+    auto const sizeAt = [&](double fontSize) {
+        m_text->setFont(UIFont::systemFontOfSizeWeight(fontSize, weight));
+        return m_text->sizeThatFits({ 0, 0 });
+    };
+    CGSize const natural = sizeAt(size);
+    return natural.width > width ? sizeAt(size * width / natural.width) : natural;
+}
+
+void StatusBar::layOut(graphics::Rect frame, double end)
 {
     m_view->setFrame(fromGraphics(frame));
-    bool const hasNotch = frame.height > 20;
-    double const size = hasNotch ? 15 : 12;
-    double const side = hasNotch ? 32 : frame.x > 0 ? 4 : 8;
-    // Beside the notch the line stands a little below the middle.
-    double const middle = hasNotch ? frame.height / 2 + 1 : frame.height / 2;
-    double const scale = hasNotch ? 1 : 0.85;
+    bool const hasCutOut = end > 0;
+    // Beside the cut-out the line stands a little below the middle.
+    double const middle = hasCutOut ? frame.height / 2 + 1 : frame.height / 2;
+    CGSize const textSize =
+        hasCutOut ? fitText(kTextSize, end - 2 * kMarginInEnd) : fitText(kSmallTextSize, frame.width / 2);
+    double const signsScale =
+        hasCutOut ? std::min(1.0, (end - 2 * kMarginInEnd) / kSignsSize.width) : kSmallSignsScale;
 
-    m_text->setFont(UIFont::systemFontOfSizeWeight(size,
-        m_leading == StatusBarLeading::time ? graphics::FontWeight::kSemibold
-                                            : graphics::FontWeight::kMedium));
-    CGSize const textSize = m_text->sizeThatFits({ screenWidth, 30 });
-    graphics::Rect text { side, middle - textSize.height / 2, textSize.width, textSize.height };
-    graphics::Rect signs { frame.width - side + 4 - kSignsSize.width, middle - kSignsSize.height / 2,
-        kSignsSize.width, kSignsSize.height };
+    double const side = frame.x > 0 ? 4 : 8;
+    double const textX = hasCutOut ? (end - textSize.width) / 2 : side;
+    double const signsX =
+        frame.width - (hasCutOut ? (end + kSignsSize.width) / 2 : side - 4 + kSignsSize.width);
+    graphics::Rect text { textX, middle - textSize.height / 2, textSize.width, textSize.height };
+    graphics::Rect signs { signsX, middle - kSignsSize.height / 2, kSignsSize.width, kSignsSize.height };
     if (isRightToLeft()) {
         text = mirrored(text, frame.width);
         signs = mirrored(signs, frame.width);
@@ -70,7 +89,7 @@ void StatusBar::layOut(graphics::Rect frame, double screenWidth)
     m_text->setFrame(fromGraphics(text));
     m_signs->setTransform(kIdentity);
     m_signs->setFrame(fromGraphics(signs));
-    m_signs->setTransform(scaling(scale, scale));
+    m_signs->setTransform(scaling(signsScale, signsScale));
 }
 
 void StatusBar::updateClock()

@@ -54,7 +54,7 @@ TEST(DeviceFrame, HasAHomeButtonAndASquareDisplayOnShortPhones)
     DeviceFrame const frame({ 375, 667 }, 1);
     auto const picture = frame.picture(whiteScreen({ 375, 667 }));
 
-    EXPECT_EQ(displayCornerRadius({ 375, 667 }), 0);
+    EXPECT_EQ(graphics::Display::of({ 375, 667 }).cornerRadius, 0);
     EXPECT_EQ(pixelAt(picture, int(frame.screen().x) + 1, int(frame.screen().y) + 1), kWhite);
     EXPECT_GT(frame.size().height - 667, 120);
 }
