@@ -6,6 +6,15 @@ namespace {
 
 char const kPromptWindowKey = 0;
 
+// Nil where none is, and on a system whose windows do not tell: the key is private.
+UIWindow keyWindow()
+{
+    objc::class_handle const windows = UIWindow::cls();
+    if (!windows.responds<"keyWindow">())
+        return nullptr;
+    return UIWindow { NSObject { windows.object }.valueForKey("keyWindow"_ns).object };
+}
+
 // A window above the system's alerts. Nobody else keeps it, so the prompt does: it goes when the prompt has gone.
 UIResponder promptWindowPresenter(UIViewController prompt)
 {
@@ -15,8 +24,7 @@ UIResponder promptWindowPresenter(UIViewController prompt)
     window->setWindowLevel(UIWindowLevelAlert + 1.0);
     window->setHidden(false);
     window->setSecure(true);
-    UIWindow const keyWindow { NSObject { UIWindow::cls().object }.valueForKey("keyWindow"_ns).object };
-    window->setTintColor(keyWindow.tintColor());
+    window->setTintColor(keyWindow().tintColor());
     objc_setAssociatedObject(
         prompt.object, &kPromptWindowKey, window.get().object, OBJC_ASSOCIATION_RETAIN_NONATOMIC);
     return window->rootViewController();

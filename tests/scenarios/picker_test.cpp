@@ -360,6 +360,59 @@ INSTANTIATE_TEST_SUITE_P(Every, PickedContact, testing::ValuesIn(unanswered()), 
     return name + (info.param.answersNil ? "Nil" : "");
 });
 
+// What comes of a pick, on one system.
+class Picked : public PickerStory {
+protected:
+    static std::string message(std::size_t count)
+    {
+        return "alert Corvel: You added " + std::to_string(count)
+            + " Contacts!\nEdit them using Corvel preferences\nDevice will now respring";
+    }
+    static Effects alerts() { return only(effects(), { "alert", "spawn" }); }
+};
+
+TEST_F(Picked, CountsOneContactInThePlural)
+{
+    boot(options("15.4", Json::object(), Json::array()));
+    openPicker();
+    pick({ "Bora" });
+    EXPECT_EQ(alerts(), Effects { message(1) });
+}
+
+TEST_F(Picked, SaysSoAlsoWhereTheListCannotBeWritten)
+{
+    boot(options("15.4", Json::object(), Json::array()));
+    openPicker();
+    ASSERT_TRUE(phone().root().setFault(kContactListPath, FileFault::full));
+    pick({ "Ada Lund", "Bora" });
+
+    EXPECT_EQ(alerts(), Effects { message(2) });
+    EXPECT_TRUE(written().empty());
+}
+
+// Nothing is merged, and the strip is as it was until the phone has restarted.
+TEST_F(Picked, ThreeTakeThePlaceOfFiveAtTheNextStart)
+{
+    Json five = Json::array();
+    for (char const* const name : { "One", "Two", "Three", "Four", "Five" })
+        five.push_back(person(name, ""));
+    boot(options("15.4", Json::object(), five));
+    ASSERT_TRUE(phone().setAddressBook(people()));
+    phone().strip().send<"addButton:">(objc::handle {});
+    wait();
+    forget();
+
+    pick({ "Dina Kohen", "Ada Lund", "Taxi" });
+
+    EXPECT_EQ(alerts(), Effects { message(3) });
+    ASSERT_EQ(written().size(), 3u);
+    EXPECT_EQ(text(0, "contactFirstName"), "Dina");
+    EXPECT_EQ(text(1, "contactFirstName"), "Ada");
+    EXPECT_EQ(text(2, "contactLastName"), "Taxi");
+    EXPECT_EQ((phone().strip().send<"list", objc::handle>().send<"count", NSUInteger>()), 5u);
+    EXPECT_TRUE(contactButton(4));
+}
+
 class PickerList : public Story { };
 
 TEST_F(PickerList, HoldsThousands)

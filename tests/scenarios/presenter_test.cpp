@@ -4,6 +4,13 @@
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/uikit/ui_color.hpp"
 
+#include <cstdlib>
+
+extern "C" {
+Method* class_copyMethodList(Class cls, unsigned* count);
+SEL method_getName(Method method);
+}
+
 namespace phone {
 
 namespace {
@@ -138,7 +145,18 @@ TEST_P(Presenters, OfComposers)
 INSTANTIATE_TEST_SUITE_P(EverySystem, Presenters, testing::ValuesIn(kVersions),
     [](auto const& info) { return versionName(info.param.text); });
 
-class PromptWindow : public Presenters { };
+class PromptWindow : public Presenters {
+protected:
+    // The plug-in's, with their values.
+    static std::vector<std::string> windowCalls(std::size_t since)
+    {
+        std::vector<std::string> calls;
+        for (Json const& event : phone().trace().events(since))
+            if (event["kind"] == "window" && !event.contains("own"))
+                calls.push_back(event["call"].get<std::string>() + " " + event["value"].dump());
+        return calls;
+    }
+};
 
 TEST_P(PromptWindow, IsMadeStepByStep)
 {
@@ -147,10 +165,7 @@ TEST_P(PromptWindow, IsMadeStepByStep)
     touch(contactButton());
     wait();
 
-    std::vector<std::string> calls;
-    for (Json const& event : phone().trace().events(before))
-        if (event["kind"] == "window" && !event.contains("own"))
-            calls.push_back(event["call"].get<std::string>() + " " + event["value"].dump());
+    std::vector<std::string> const calls = windowCalls(before);
     ASSERT_GE(calls.size(), 6u);
     EXPECT_EQ(calls[0], R"(initWithFrame: {"rect":[0.0,0.0,390.0,844.0]})");
     EXPECT_TRUE(calls[1].starts_with("setRootViewController: ")) << calls[1];
@@ -159,6 +174,11 @@ TEST_P(PromptWindow, IsMadeStepByStep)
     EXPECT_EQ(calls[4], "_setSecure: true");
     EXPECT_TRUE(calls[5].starts_with("setTintColor: ")) << calls[5];
     EXPECT_EQ(calls.size(), 6u) << testing::PrintToString(calls);
+
+    // Nobody hides it: it goes by itself.
+    touch(alertRow("No"));
+    wait();
+    EXPECT_EQ(windowCalls(before), calls);
 }
 
 TEST_P(PromptWindow, TakesTheKeyWindowsTintAndGoesWithItsPrompt)
@@ -178,8 +198,99 @@ TEST_P(PromptWindow, TakesTheKeyWindowsTintAndGoesWithItsPrompt)
     EXPECT_FALSE(promptWindow());
 }
 
+TEST_P(PromptWindow, HasNoTintWhereNoWindowIsKey)
+{
+    bootPhone(0);
+    while (UIWindow const key = UIWindow::keyWindow())
+        key.resignKeyWindow();
+    std::size_t const before = phone().trace().count();
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ(windowCalls(before).back(), "setTintColor: null");
+    EXPECT_TRUE(alertRow("No"));
+}
+
+TEST_P(PromptWindow, IsShownOnASystemThatDoesNotTellItsKeyWindow)
+{
+    auto options = Story::options(GetParam().text, { { "singleTapAction", 0 } });
+    options.absent = { "UIWindow keyWindow" };
+    boot(options);
+    std::size_t const before = phone().trace().count();
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ(windowCalls(before).back(), "setTintColor: null");
+    EXPECT_TRUE(alertRow("No"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Systems, PromptWindow, testing::Values(kVersions[3], kVersions[7]),
     [](auto const& info) { return versionName(info.param.text); });
+
+class Composers : public Story {
+protected:
+    static Effects tapped()
+    {
+        touch(contactButton());
+        wait();
+        return effects();
+    }
+};
+
+// The screen is kept awake and the contact forgotten all the same.
+TEST_F(Composers, AreNotShownWhereTheKeyWindowHasToShowThemAndNoneIs)
+{
+    boot(options("13.7", { { "singleTapAction", 5 } }));
+    while (UIWindow const key = UIWindow::keyWindow())
+        key.resignKeyWindow();
+
+    Effects expected = actionOfTap(5).atOnce;
+    expected.pop_back();   // what is presented
+    EXPECT_EQ(tapped(), Effects({ "sound 1519", "passcodeTest no" }) + expected);
+    EXPECT_TRUE(phone().idleTimer().holds("CVL"));
+    phone().strip().send<"msgWA">();
+    wait();
+    EXPECT_EQ(only(effects(), { "openURL" }), Effects { "openURL whatsapp://send?phone=" });
+}
+
+TEST_F(Composers, OfMailAreNotShownWhereTheKeyWindowHasToShowThemAndNoneIs)
+{
+    boot(options("13.7", { { "singleTapAction", 7 } }));
+    while (UIWindow const key = UIWindow::keyWindow())
+        key.resignKeyWindow();
+
+    Effects expected = actionOfTap(7).atOnce;
+    expected.pop_back();   // what is presented
+    EXPECT_EQ(tapped(), Effects({ "sound 1519", "passcodeTest no" }) + expected);
+    EXPECT_TRUE(phone().idleTimer().holds("CVL"));
+    phone().strip().send<"sndEmail">();
+    EXPECT_EQ(only(effects(), { "MFMailComposeViewControllerCVL" }).back(),
+        R"(MFMailComposeViewControllerCVL setToRecipients:([""]))");
+}
+
+TEST_F(Composers, DifferFromTheSystemsInOneAnswer)
+{
+    boot(options("15.4"));
+    for (std::string const name : { "MFMessageComposeViewController", "MFMailComposeViewController" }) {
+        Class const cls = objc_getClass((name + "CVL").c_str());
+        ASSERT_TRUE(cls) << name;
+        EXPECT_EQ(class_getName(class_getSuperclass(cls)), name);
+        unsigned count = 0;
+        Method* const methods = class_copyMethodList(cls, &count);
+        ASSERT_EQ(count, 1u) << name;
+        EXPECT_STREQ(sel_getName(method_getName(methods[0])), "_canShowWhileLocked");
+        std::free(methods);
+
+        objc::class_handle const composers { cls };
+        auto const composer = objc::adopt(composers.send<"new", UIViewController>());
+        EXPECT_TRUE((composer->send<"_canShowWhileLocked", BOOL>()));
+        auto const plain =
+            objc::adopt(objc::class_handle { class_getSuperclass(cls) }.send<"new", UIViewController>());
+        EXPECT_FALSE((plain->send<"_canShowWhileLocked", BOOL>()));
+    }
+}
 
 // Which object keeps the screen awake.
 class Assertions : public Story, public testing::WithParamInterface<CoverSheetAnswer> {

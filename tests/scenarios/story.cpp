@@ -76,6 +76,8 @@ std::string line(Json const& event)
     }
     if (kind == "write")
         return "write " + textOf(event["path"]);
+    if (kind == "heard")
+        return textOf(event["line"]);
     return {};
 }
 

@@ -55,7 +55,7 @@ protected:
     //   sound 1519 · passcodeTest yes|no · unlockRequest · passcode EVENT · lock EVENT · openURL URL ·
     //   completion yes|no · canSend CLASS yes|no · CLASS call(value) · present CLASS · sheet TITLE ·
     //   alert TITLE: MESSAGE · dismiss CLASS · hold REASON · release REASON · siri TEXT · spawn PATH … ·
-    //   write PATH
+    //   write PATH · what a test records as `heard`: its line
     static Effects effects();
     // Those of some kinds alone, by the line's first word.
     static Effects only(Effects const& effects, std::vector<std::string> const& words);

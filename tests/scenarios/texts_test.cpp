@@ -65,8 +65,12 @@ TEST_F(Texts, AskBeforeAFacetimeCall)
     touch(contactButton());
     wait();
 
-    EXPECT_EQ(lastPresented()["message"],
-        "You are about to facetime call:\nAnna, +44 20 7946-0958\n Are you sure?");
+    Json const alert = lastPresented();
+    EXPECT_EQ(alert["title"], "Confirmation");
+    EXPECT_EQ(alert["message"], "You are about to facetime call:\nAnna, +44 20 7946-0958\n Are you sure?");
+    EXPECT_EQ(alert["style"], 1);
+    EXPECT_EQ(alert["actions"],
+        Json::parse(R"([{"title":"Yes","style":0,"image":null},{"title":"No","style":1,"image":null}])"));
 }
 
 TEST_F(Texts, SiriInEnglish)
