@@ -91,9 +91,12 @@ Answer<Json> PhoneCommands::answerAlert(bool accepts, Json const& label, Json co
         auto const chain = ClassChain::parse(selector->get<std::string>());
         if (!chain)
             return chain.error();
-        auto const found = chain->find(alert->tree, alert->number);
-        if (!found.empty())
-            button = found.front();
+        SearchLimit limit;
+        auto const found = chain->find(alert->tree, alert->number, limit);
+        if (!found)
+            return found.error();
+        if (!found->empty())
+            button = found->front();
     }
     if (!button && !alert->buttons.empty())
         button = accepts != alert->isSheet ? alert->buttons.back() : alert->buttons.front();

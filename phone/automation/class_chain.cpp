@@ -141,21 +141,22 @@ private:
 
 Answer<ClassChain> ClassChain::parse(std::string_view text) { return ClassChainParser(text).parse(); }
 
-bool ClassChain::passes(Step const& step, ElementTree const& tree, std::size_t number)
+bool ClassChain::passes(Step const& step, ElementTree const& tree, std::size_t number, SearchLimit& limit)
 {
     if (step.type != "*" && tree[number].type != step.type)
         return false;
     return std::ranges::all_of(step.filters, [&](Filter const& filter) {
         if (!filter.isForDescendants)
-            return filter.predicate.matches(tree[number]);
+            return filter.predicate.matches(tree[number], limit);
         for (std::size_t at = number + 1; at < tree[number].end; ++at)
-            if (filter.predicate.matches(tree[at]))
+            if (filter.predicate.matches(tree[at], limit))
                 return true;
         return false;
     });
 }
 
-std::vector<std::size_t> ClassChain::find(ElementTree const& tree, std::size_t start) const
+Answer<std::vector<std::size_t>> ClassChain::find(
+    ElementTree const& tree, std::size_t start, SearchLimit& limit) const
 {
     std::set<std::size_t> current { start };
     for (Step const& step : m_steps) {
@@ -167,18 +168,20 @@ std::vector<std::size_t> ClassChain::find(ElementTree const& tree, std::size_t s
         }
         std::vector<std::size_t> found;
         for (std::size_t const each : reached)
-            if (passes(step, tree, each))
+            if (passes(step, tree, each, limit))
                 found.push_back(each);
+        if (limit.isOver())
+            return SearchLimit::error();
         if (step.position) {
             auto const count = static_cast<int>(found.size());
             int const at = *step.position > 0 ? *step.position - 1 : count + *step.position;
             if (at < 0 || at >= count)
-                return {};
+                return std::vector<std::size_t> {};
             found = { found[static_cast<std::size_t>(at)] };
         }
         current = { found.begin(), found.end() };
     }
-    return { current.begin(), current.end() };
+    return std::vector<std::size_t>(current.begin(), current.end());
 }
 
 }

@@ -15,8 +15,9 @@ public:
     // Malformed: `invalid selector` with the position, from 1.
     static Answer<ClassChain> parse(std::string_view text);
 
-    // In document order; none when a position is beyond what is there.
-    std::vector<std::size_t> find(ElementTree const& tree, std::size_t start) const;
+    // In document order; none when a position is beyond what is there. `timeout` when it takes longer than the limit allows.
+    Answer<std::vector<std::size_t>> find(
+        ElementTree const& tree, std::size_t start, SearchLimit& limit) const;
 
 private:
     friend class ClassChainParser;
@@ -30,7 +31,7 @@ private:
         std::vector<Filter> filters;
         std::optional<int> position;
     };
-    static bool passes(Step const& step, ElementTree const& tree, std::size_t number);
+    static bool passes(Step const& step, ElementTree const& tree, std::size_t number, SearchLimit& limit);
 
     std::vector<Step> m_steps;
 };

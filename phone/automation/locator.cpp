@@ -1,7 +1,7 @@
 #include "phone/automation/locator.hpp"
 
 #include "phone/automation/class_chain.hpp"
-#include "phone/automation/source_document.hpp"
+#include "phone/automation/xpath.hpp"
 
 #include <cctype>
 
@@ -16,18 +16,20 @@ constexpr std::string_view kTypePrefix = "XCUIElementType";
 template <class Matches>
 auto searchWhere(Matches matches)
 {
-    return [matches](ElementTree const& tree, std::size_t start) -> Found {
+    return [matches](ElementTree const& tree, std::size_t start, SearchLimit& limit) -> Found {
         std::vector<std::size_t> found;
         for (std::size_t at = start; at < tree[start].end; ++at)
-            if (matches(tree[at]))
+            if (matches(tree[at], limit))
                 found.push_back(at);
+        if (limit.wasOver())
+            return SearchLimit::error();
         return found;
     };
 }
 
 auto searchByName(std::string const& name)
 {
-    return searchWhere([name](Element const& element) { return element.name() == name; });
+    return searchWhere([name](Element const& element, SearchLimit&) { return element.name() == name; });
 }
 
 CommandError invalid(std::string message) { return { ErrorCode::invalidSelector, std::move(message) }; }
@@ -83,27 +85,31 @@ Answer<Locator> Locator::make(std::string const& strategy, std::string const& va
     if (strategy == "class name") {
         std::string const type = value.starts_with(kTypePrefix) ? value : std::string(kTypePrefix) + value;
         bool const isAny = type == "XCUIElementTypeAny";
-        return Locator(description,
-            searchWhere([type, isAny](Element const& element) { return isAny || element.type == type; }));
+        return Locator(description, searchWhere([type, isAny](Element const& element, SearchLimit&) {
+            return isAny || element.type == type;
+        }));
     }
     if (strategy == "xpath")
-        return Locator(description,
-            [value](ElementTree const& tree, std::size_t start) { return findByXpath(tree, start, value); });
+        return Locator(description, [value](ElementTree const& tree, std::size_t start, SearchLimit& limit) {
+            return findByXpath(tree, start, value, limit);
+        });
     if (strategy == "-ios predicate string" || strategy == "predicate string") {
         auto predicate = Predicate::parse(value);
         if (!predicate)
             return predicate.error();
-        return Locator(description, searchWhere([predicate = *predicate](Element const& element) {
-            return predicate.matches(element);
-        }));
+        return Locator(
+            description, searchWhere([predicate = *predicate](Element const& element, SearchLimit& limit) {
+                return predicate.matches(element, limit);
+            }));
     }
     if (strategy == "-ios class chain" || strategy == "class chain") {
         auto chain = ClassChain::parse(value);
         if (!chain)
             return chain.error();
-        return Locator(description, [chain = *chain](ElementTree const& tree, std::size_t start) -> Found {
-            return chain.find(tree, start);
-        });
+        return Locator(
+            description, [chain = *chain](ElementTree const& tree, std::size_t start, SearchLimit& limit) {
+                return chain.find(tree, start, limit);
+            });
     }
     if (strategy == "css selector") {
         auto const name = nameOfCssSelector(value);
@@ -121,13 +127,14 @@ Answer<Locator> Locator::make(std::string const& strategy, std::string const& va
         if (!attributeOf(Element {}, key))
             return invalid("no element has an attribute \"" + key + "\"; there are " + attributeNames());
         bool const isPartial = strategy == "partial link text";
-        return Locator(description, searchWhere([key, wanted, isPartial](Element const& element) {
-            Json const text = attributeText(attributeOf(element, key).value_or(AttributeValue()));
-            if (!text.is_string())
-                return false;
-            auto const& whole = text.get_ref<std::string const&>();
-            return isPartial ? whole.find(wanted) != std::string::npos : whole == wanted;
-        }));
+        return Locator(
+            description, searchWhere([key, wanted, isPartial](Element const& element, SearchLimit&) {
+                Json const text = attributeText(attributeOf(element, key).value_or(AttributeValue()));
+                if (!text.is_string())
+                    return false;
+                auto const& whole = text.get_ref<std::string const&>();
+                return isPartial ? whole.find(wanted) != std::string::npos : whole == wanted;
+            }));
     }
     return invalid("no strategy \"" + strategy
         + "\"; there are accessibility id, id, name, class name, xpath, -ios predicate string, -ios class chain");
@@ -135,7 +142,8 @@ Answer<Locator> Locator::make(std::string const& strategy, std::string const& va
 
 Answer<std::vector<std::size_t>> Locator::find(ElementTree const& tree, std::size_t start) const
 {
-    return m_search(tree, start);
+    SearchLimit limit;
+    return m_search(tree, start, limit);
 }
 
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "phone/automation/element_tree.hpp"
+#include "phone/automation/search_limit.hpp"
 
 #include <functional>
 
@@ -14,14 +15,15 @@ public:
     static Answer<Locator> make(std::string const& strategy, std::string const& value);
 
     // In document order. The start itself counts too, but not for XPath and class chains. An XPath may turn out not to give
-    // elements only here.
+    // elements only here. `timeout` when it takes longer than kSearchSeconds.
     Answer<std::vector<std::size_t>> find(ElementTree const& tree, std::size_t start) const;
 
     // For an error: `accessibility id "Anna"`.
     std::string const& description() const { return m_description; }
 
 private:
-    using Search = std::function<Answer<std::vector<std::size_t>>(ElementTree const&, std::size_t)>;
+    using Search =
+        std::function<Answer<std::vector<std::size_t>>(ElementTree const&, std::size_t, SearchLimit&)>;
     Locator(std::string description, Search search)
         : m_description(std::move(description))
         , m_search(std::move(search))

@@ -364,6 +364,9 @@ Answer<Predicate> Predicate::parse(std::string_view text)
     return Predicate(*root);
 }
 
-bool Predicate::matches(Element const& element) const { return holds(*m_root, element); }
+bool Predicate::matches(Element const& element, SearchLimit& limit) const
+{
+    return holds(*m_root, element, limit);
+}
 
 }

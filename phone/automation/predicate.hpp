@@ -7,6 +7,7 @@
 #pragma once
 
 #include "phone/automation/element_tree.hpp"
+#include "phone/automation/search_limit.hpp"
 
 #include <memory>
 
@@ -17,7 +18,8 @@ public:
     // At most 64 KiB and 64 levels of brackets. Otherwise, or malformed: `invalid selector` with the position, from 1.
     static Answer<Predicate> parse(std::string_view text);
 
-    bool matches(Element const& element) const;
+    // What it answers once the limit is over means nothing.
+    bool matches(Element const& element, SearchLimit& limit) const;
 
     struct Node;
 

@@ -161,13 +161,13 @@ bool holdsComparison(PredicateComparison const& comparison, Element const& eleme
 
 }
 
-bool holds(Predicate::Node const& node, Element const& element)
+bool holds(Predicate::Node const& node, Element const& element, SearchLimit& limit)
 {
     using Kind = Predicate::Node::Kind;
-    auto const part = [&element](auto const& each) { return holds(*each, element); };
+    auto const part = [&](auto const& each) { return holds(*each, element, limit); };
     switch (node.kind) {
     case Kind::constant: return node.constant;
-    case Kind::comparison: return holdsComparison(node.comparison, element);
+    case Kind::comparison: return !limit.isOver() && holdsComparison(node.comparison, element);
     case Kind::conjunction: return std::ranges::all_of(node.parts, part);
     case Kind::disjunction: return std::ranges::any_of(node.parts, part);
     case Kind::negation: return !part(node.parts.front());

@@ -49,7 +49,7 @@ struct Predicate::Node {
     std::vector<std::shared_ptr<Node const>> parts;
 };
 
-bool holds(Predicate::Node const& node, Element const& element);
+bool holds(Predicate::Node const& node, Element const& element, SearchLimit& limit);
 
 // As a comparison with these options sees a text.
 icu::UnicodeString foldedText(std::string const& text, bool ignoresCase, bool ignoresMarks);

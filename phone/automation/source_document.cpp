@@ -1,17 +1,13 @@
 #include "phone/automation/source_document.hpp"
 
-#include <pugixml.hpp>
+#include "phone/automation/source_nodes.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <sstream>
-#include <unordered_map>
 
 namespace phone {
 
 namespace {
-
-constexpr std::size_t kMaxExpression = 64 * 1024;
 
 // In the order in which the source has them.
 constexpr char const* kSourceAttributes[] { "type", "value", "name", "label", "enabled", "visible",
@@ -40,54 +36,6 @@ bool contains(std::vector<std::string> const& names, std::string_view name)
     return std::ranges::find(names, name) != names.end();
 }
 
-using Nodes = std::vector<pugi::xml_node>;
-
-Nodes addElements(pugi::xml_node root, ElementTree const& tree, SourceOptions const& options)
-{
-    Nodes nodes;
-    nodes.reserve(tree.size());
-    for (std::size_t number = 0; number < tree.size(); ++number) {
-        Element const& element = tree[number];
-        pugi::xml_node const parent = number == 0 ? root : nodes[element.parent];
-        pugi::xml_node node = pugi::xml_node(parent).append_child(element.type.c_str());
-        for (char const* const name : kSourceAttributes) {
-            if (contains(options.without, name)
-                || (name == std::string_view("hittable") && !contains(options.additional, name)))
-                continue;
-            auto const value = attributeOf(element, name);
-            Json const text = value ? attributeText(*value) : Json();
-            if (text.is_string())
-                node.append_attribute(name).set_value(
-                    allowedInXml(text.get_ref<std::string const&>()).c_str());
-        }
-        nodes.push_back(node);
-    }
-    return nodes;
-}
-
-// `XCUIElementTypeAny` is no element's name; texts in quotes stay as they are.
-std::string withAnyAsStar(std::string_view expression)
-{
-    constexpr std::string_view kAny = "XCUIElementTypeAny";
-    std::string result;
-    char quote = 0;
-    for (std::size_t i = 0; i < expression.size();) {
-        char const c = expression[i];
-        if (quote ? c == quote : c == '\'' || c == '"')
-            quote = quote ? 0 : c;
-        bool const isWhole = i + kAny.size() >= expression.size()
-            || !std::isalnum(static_cast<unsigned char>(expression[i + kAny.size()]));
-        if (!quote && expression.substr(i).starts_with(kAny) && isWhole) {
-            result += '*';
-            i += kAny.size();
-        } else {
-            result += c;
-            ++i;
-        }
-    }
-    return result;
-}
-
 Json jsonOf(ElementTree const& tree, std::size_t number)
 {
     Element const& element = tree[number];
@@ -112,6 +60,30 @@ Json jsonOf(ElementTree const& tree, std::size_t number)
 
 }
 
+std::vector<pugi::xml_node> addSourceNodes(
+    pugi::xml_node root, ElementTree const& tree, SourceOptions const& options)
+{
+    std::vector<pugi::xml_node> nodes;
+    nodes.reserve(tree.size());
+    for (std::size_t number = 0; number < tree.size(); ++number) {
+        Element const& element = tree[number];
+        pugi::xml_node const parent = number == 0 ? root : nodes[element.parent];
+        pugi::xml_node node = pugi::xml_node(parent).append_child(element.type.c_str());
+        for (char const* const name : kSourceAttributes) {
+            if (contains(options.without, name)
+                || (name == std::string_view("hittable") && !contains(options.additional, name)))
+                continue;
+            auto const value = attributeOf(element, name);
+            Json const text = value ? attributeText(*value) : Json();
+            if (text.is_string())
+                node.append_attribute(name).set_value(
+                    allowedInXml(text.get_ref<std::string const&>()).c_str());
+        }
+        nodes.push_back(node);
+    }
+    return nodes;
+}
+
 std::string sourceXml(ElementTree const& tree, SourceOptions const& options)
 {
     pugi::xml_document document;
@@ -119,7 +91,7 @@ std::string sourceXml(ElementTree const& tree, SourceOptions const& options)
     declaration.append_attribute("version") = "1.0";
     declaration.append_attribute("encoding") = "UTF-8";
     pugi::xml_node const root = options.hasRoot ? document.append_child("AppiumAUT") : document;
-    addElements(root, tree, options);
+    addSourceNodes(root, tree, options);
     std::ostringstream text;
     document.save(text, "  ", pugi::format_indent, pugi::encoding_utf8);
     return text.str();
@@ -147,55 +119,6 @@ std::string sourceDescription(ElementTree const& tree)
         text += '\n';
     }
     return text;
-}
-
-Answer<std::vector<std::size_t>> findByXpath(
-    ElementTree const& tree, std::size_t start, std::string_view expression)
-{
-    CommandError invalid { ErrorCode::invalidSelector, {} };
-    if (expression.size() > kMaxExpression) {
-        invalid.message = "an XPath has at most 65536 bytes";
-        return invalid;
-    }
-    // The library's own texts end at a zero byte.
-    if (expression.find('\0') != std::string_view::npos) {
-        invalid.message = "an XPath has no zero byte";
-        return invalid;
-    }
-    pugi::xml_document document;
-    Nodes const nodes =
-        addElements(document, tree, { .hasRoot = false, .without = {}, .additional = { "hittable" } });
-    std::unordered_map<void const*, std::size_t> numbers;
-    for (std::size_t number = 0; number < nodes.size(); ++number)
-        numbers[nodes[number].internal_object()] = number;
-    try {
-        pugi::xpath_query const query(withAnyAsStar(expression).c_str());
-        if (query.return_type() != pugi::xpath_type_node_set) {
-            invalid.message = "this XPath gives a value, not elements: " + std::string(expression);
-            return invalid;
-        }
-        pugi::xpath_node_set found =
-            query.evaluate_node_set(start == 0 ? pugi::xml_node(document) : nodes[start]);
-        found.sort();
-        std::vector<std::size_t> result;
-        for (pugi::xpath_node const& each : found) {
-            if (each.attribute()) {
-                invalid.message = "this XPath gives attributes, not elements: " + std::string(expression);
-                return invalid;
-            }
-            // The document itself, as `/` gives it, is no element.
-            if (auto const at = numbers.find(each.node().internal_object()); at != numbers.end())
-                result.push_back(at->second);
-        }
-        return result;
-    } catch (pugi::xpath_exception const& failure) {
-        invalid.message = std::string("XPath, position ") + std::to_string(failure.result().offset + 1) + ": "
-            + failure.what();
-        return invalid;
-    } catch (std::bad_alloc const&) {
-        invalid.message = "this XPath is too large";
-        return invalid;
-    }
 }
 
 }

@@ -1,4 +1,4 @@
-// The screen's elements as XML: the source that clients read, and XPath over it. Any thread; nothing throws.
+// The screen's elements as XML: the source that clients read. Any thread; nothing throws.
 #pragma once
 
 #include "phone/automation/element_tree.hpp"
@@ -18,10 +18,5 @@ Json sourceJson(ElementTree const& tree);
 
 // A line an element, indented by depth, for people.
 std::string sourceDescription(ElementTree const& tree);
-
-// XPath 1.0 over the source without its root, with the element `start` as context: `//X` searches the whole screen, `.//X` what
-// is below. In document order. Malformed, or a result that is no elements: `invalid selector`.
-Answer<std::vector<std::size_t>> findByXpath(
-    ElementTree const& tree, std::size_t start, std::string_view expression);
 
 }

@@ -76,7 +76,10 @@ void fuzzLocator(std::string const& strategy, std::vector<std::string> const& se
         }
         auto const found = locator->find(tree, round % 2 == 0 ? 0 : 2);
         if (!found) {
-            ASSERT_EQ(found.error().code, ErrorCode::invalidSelector) << text;
+            // One whose time was over has done no harm either.
+            ASSERT_TRUE(
+                found.error().code == ErrorCode::invalidSelector || found.error().code == ErrorCode::timeout)
+                << text;
             continue;
         }
         ++accepted;

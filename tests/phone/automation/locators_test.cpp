@@ -2,6 +2,7 @@
 #include "phone/automation/class_chain.hpp"
 #include "phone/automation/locator.hpp"
 #include "phone/automation/source_document.hpp"
+#include "phone/automation/xpath.hpp"
 #include "tests/phone/automation/sample_screen.hpp"
 
 #include <gmock/gmock.h>
@@ -147,7 +148,8 @@ TEST(Predicates, ReadTextsWithTheirEscapes)
     for (char const* const text : { "label == 'it\\'s \"so\"'", "label == \"it's \\\"so\\\"\"" }) {
         auto const predicate = Predicate::parse(text);
         ASSERT_TRUE(predicate) << text;
-        EXPECT_TRUE(predicate->matches(element)) << text;
+        SearchLimit limit;
+        EXPECT_TRUE(predicate->matches(element, limit)) << text;
     }
 }
 
@@ -190,7 +192,27 @@ TEST(Predicates, EndPatternsThatRunAway)
     element.label = std::string(200, 'a') + "!";
     auto const predicate = Predicate::parse("label MATCHES '(a+)+'");
     ASSERT_TRUE(predicate);
-    EXPECT_FALSE(predicate->matches(element));
+    SearchLimit limit;
+    EXPECT_FALSE(predicate->matches(element, limit));
+    EXPECT_FALSE(limit.wasOver());
+}
+
+TEST(Predicates, EndWhenTheirTimeIsOver)
+{
+    ElementTree tree = sampleScreen();
+    for (Element& element : tree.elements)
+        element.label = std::string(2000, 'a');
+    std::string many = "label MATCHES '(a+)+b'";
+    for (int i = 0; i < 2000; ++i)
+        many += " OR label MATCHES '(a+)+b'";
+    auto const predicate = Predicate::parse(many);
+    ASSERT_TRUE(predicate);
+    auto const began = std::chrono::steady_clock::now();
+    SearchLimit limit(0.1);
+    EXPECT_FALSE(predicate->matches(tree[3], limit));
+    EXPECT_TRUE(limit.wasOver());
+    // One pattern more may run on to its own limit.
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(10));
 }
 
 TEST(ClassChains, GoFromParentToChild)
@@ -231,6 +253,16 @@ TEST(ClassChains, TakeTheFormsThatTestersWrite)
         EXPECT_EQ(refusal("-ios class chain", chain), "") << chain;
 }
 
+TEST(ClassChains, EndWhenTheirTimeIsOver)
+{
+    auto const chain = ClassChain::parse("**/*/**/*");
+    ASSERT_TRUE(chain);
+    SearchLimit over(0);
+    auto const found = chain->find(sampleScreen(), 0, over);
+    ASSERT_FALSE(found);
+    EXPECT_EQ(found.error().code, ErrorCode::timeout);
+}
+
 TEST(ClassChains, RefuseEverythingElse)
 {
     for (char const* const chain :
@@ -265,6 +297,45 @@ TEST(Xpaths, StartAtAnElement)
     EXPECT_THAT(byXpath(".//XCUIElementTypeStaticText", 11), ElementsAre(12, 13));
     EXPECT_THAT(byXpath("//XCUIElementTypeCell", 11), ElementsAre(3, 6, 8));
     EXPECT_THAT(byXpath("XCUIElementTypeButton[1]", 11), ElementsAre(14));
+}
+
+TEST(Xpaths, AreQuickByTheirShape)
+{
+    for (char const* const text :
+        { "//*", "//XCUIElementTypeCell[.//XCUIElementTypeStaticText[@name='a/b::c..']]",
+            "/*/*[2]/descendant::* | //a/..", "//*[*[*[@name]]]", "//*[a/b/c and d/e/f]" })
+        EXPECT_TRUE(isQuickXpath(text, 100)) << text;
+    for (char const* const text :
+        { "//*[//*[//*]]", "//*[ancestor::*]", "//*[../*]", "//*[a/b/c/d/e/f/g/h]" })
+        EXPECT_FALSE(isQuickXpath(text, 100)) << text;
+    EXPECT_FALSE(isQuickXpath("//*", 100'000));
+    EXPECT_FALSE(isQuickXpath("//*" + std::string(2000, ' '), 100));
+}
+
+// These are searched by a process of their own.
+TEST(Xpaths, ThatCouldTakeLongFindTheSame)
+{
+    EXPECT_THAT(byXpath("//XCUIElementTypeCell[XCUIElementTypeStaticText[../@name='Anna']]"), ElementsAre(3));
+    EXPECT_THAT(
+        byXpath("XCUIElementTypeButton[preceding-sibling::XCUIElementTypeButton]", 11), ElementsAre(15));
+    EXPECT_EQ(byXpath("//*[count(//*[count(//*) > 1]) > 1]").size(), 16u);
+    EXPECT_THAT(byXpath("//*[ancestor::nothing]"), IsEmpty());
+    EXPECT_THAT(
+        refusal("xpath", "//*[../*]/@name"), HasSubstr("invalid selector: this XPath gives attributes"));
+    EXPECT_THAT(refusal("xpath", "//*[../*"), HasSubstr("invalid selector: XPath, position"));
+}
+
+TEST(Xpaths, EndWhenTheirTimeIsOver)
+{
+    std::string expression = "//*";
+    for (int i = 0; i < 12; ++i)   // sixteen elements to the twelfth
+        expression = "//*[count(" + expression + ") > 1]";
+    auto const began = std::chrono::steady_clock::now();
+    SearchLimit limit(0.2);
+    auto const found = findByXpath(sampleScreen(), 0, expression, limit);
+    ASSERT_FALSE(found);
+    EXPECT_EQ(found.error().code, ErrorCode::timeout);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(10));
 }
 
 TEST(Xpaths, ThatAreMalformedOrGiveNoElementsAreRefused)
