@@ -228,6 +228,15 @@ void refuse(httplib::Response& response, CommandError const& error)
     t_exchange.closes = true;
 }
 
+// A word in capitals that no path here has: the library knows it from elsewhere, or not at all.
+bool isUnknownVerb(std::string_view verb)
+{
+    constexpr std::string_view kVerbs[] { "GET", "POST", "PUT", "PATCH", "DELETE" };
+    return !verb.empty() && verb.size() <= 20
+        && std::ranges::all_of(verb, [](char c) { return c >= 'A' && c <= 'Z'; })
+        && std::ranges::find(kVerbs, verb) == std::end(kVerbs);
+}
+
 // A whole number of bytes; none for anything else.
 std::optional<std::size_t> lengthOf(std::string const& text)
 {
@@ -268,7 +277,9 @@ public:
             { static_cast<Add>(&httplib::Server::Post), static_cast<Add>(&httplib::Server::Put),
                 static_cast<Add>(&httplib::Server::Patch), static_cast<Add>(&httplib::Server::Delete) })
             (this->*add)(".*", serve);
-        set_error_handler([](httplib::Request const&, httplib::Response& response) { explain(response); });
+        set_error_handler([](httplib::Request const& request, httplib::Response& response) {
+            explain(request.method, response);
+        });
         set_exception_handler([](httplib::Request const&, httplib::Response& response, std::exception_ptr) {
             answer(response, wireAnswer(CommandError { ErrorCode::unknownError, "the server failed" }));
         });
@@ -286,7 +297,7 @@ public:
 
 private:
     // What the library answers by itself: the status is there, and nothing for a client to read.
-    static void explain(httplib::Response& response)
+    static void explain(std::string const& verb, httplib::Response& response)
     {
         if (!response.body.empty())
             return;
@@ -294,10 +305,13 @@ private:
         CommandError error { ErrorCode::unknownCommand, "no such path" };
         if (status == 413)
             error = { ErrorCode::payloadTooLarge, "a body has at most 16 MiB" };
+        else if (status == 400 && isUnknownVerb(verb))
+            error = { ErrorCode::unknownMethod, "no path has the verb " + verb };
         else if (status != 404)
             error = { ErrorCode::invalidArgument, "this is no HTTP request" };
         refuse(response, error);
-        response.status = status;
+        if (error.code != ErrorCode::unknownMethod)
+            response.status = status;
     }
 
     HandlerResponse check(httplib::Request const& request, httplib::Response& response)
@@ -310,6 +324,14 @@ private:
         if (!isFramed) {
             refuse(response, invalidArgument("the request does not say where its body ends"));
             return HandlerResponse::Handled;
+        }
+        // The library would unpack it without a limit.
+        for (std::string const& coding : valuesOf(request, "Content-Encoding")) {
+            if (coding != "identity") {
+                refuse(
+                    response, { ErrorCode::unsupportedMediaType, "a body comes as it is, not compressed" });
+                return HandlerResponse::Handled;
+            }
         }
         bool const hasBody = isChunked || (!lengths.empty() && lengthOf(lengths[0]) != 0);
         RequestHead const head { valuesOf(request, "Host"), valuesOf(request, "Origin"),

@@ -1,5 +1,4 @@
 // The connection to a phone behind WebDriver: who is let in, what is read, and what is left behind.
-#include "phone/automation/actions.hpp"
 #include "tests/phone/automation/web_driver_fixture.hpp"
 
 #include <gmock/gmock.h>
@@ -64,6 +63,33 @@ TEST_F(WebDriver, TakesNoRequestOutOfARefusedBody)
         EXPECT_EQ(client.receive(2).status, 0) << framing;
     }
     EXPECT_EQ(get("/timeouts").status, 200);   // the session is there
+}
+
+TEST_F(WebDriver, UnpacksNothing)
+{
+    // A few bytes would become as many as the sender likes.
+    serve();
+    for (char const* const coding : { "gzip", "deflate", "br", "identity, gzip" }) {
+        auto const reply = m_client->ask("POST", "/session", R"({"capabilities": {}})",
+            "Content-Encoding: " + std::string(coding) + "\r\n");
+        EXPECT_EQ(reply.status, 415) << coding;
+        EXPECT_EQ(reply.error(), "invalid argument") << coding;
+        m_client->close();
+    }
+    EXPECT_EQ(
+        m_client->ask("POST", "/session", R"({"capabilities": {}})", "Content-Encoding: identity\r\n").status,
+        200);
+}
+
+TEST_F(WebDriver, KnowsNoOtherVerbs)
+{
+    serve();
+    for (char const* const verb : { "TRACE", "CONNECT", "FLY", "PUT", "PATCH", "OPTIONS" }) {
+        auto const reply = m_client->ask(verb, "/status");
+        EXPECT_EQ(reply.status, 405) << verb;
+        EXPECT_EQ(reply.error(), "unknown method") << verb;
+        m_client->close();
+    }
 }
 
 TEST_F(WebDriver, LimitsWhatItReads)

@@ -1,6 +1,7 @@
 // A phone behind WebDriver: real sockets, the phone in its own process, the real plug-in.
 #pragma once
 
+#include "phone/automation/actions.hpp"
 #include "phone/automation/automation_server.hpp"
 #include "tests/phone/automation/http_client.hpp"
 #include "tests/support/phone_fixture.hpp"
