@@ -87,7 +87,7 @@ bool isShown(MenuRow const& row, CVLButton button, float systemVersion)
         return false;
     if (row.shownBy && !(prefs.*row.shownBy))
         return false;
-    if (row.captures & captures::email && button.getEmailAddr().isEqualToString(""_ns))
+    if (row.captures & captures::email && button.send<"getEmailAddr", NSString>().isEqualToString(""_ns))
         return false;
     return prefs.singleTapAction != row.hiddenByTap;
 }
@@ -102,7 +102,7 @@ void setIcon(UIAlertAction action, UIImage icon)
 void addEntry(UIAlertController sheet, MenuRow const& row, CVLView strip, UIGestureRecognizer recognizer)
 {
     CVLButton const button { recognizer.view().object };
-    NSString const title = filled(row.title, { button.getEmailAddr() });
+    NSString const title = filled(row.title, { button.send<"getEmailAddr", NSString>() });
     auto const handler =
         objc::block([&row, strip = objc::retain(strip), recognizer = objc::retain(recognizer)](
                         UIAlertAction) { choose(row, strip, CVLButton { recognizer->view().object }); });
@@ -143,10 +143,10 @@ void CVLView::showMenu(UIGestureRecognizer sender) const
         return;
     viewPreferences const& prefs = stripState().mainPrefsStruct.get();
     if (deviceIsPasscodeLocked() && prefs.validateUnlockBeforeCall) {
+        park(PendingAction::showMenu);
         // Reopened while still locked: the recogniser that waits goes on waiting.
         if (sender)
             tempButton() = objc::retain(sender);
-        park(PendingAction::showMenu);
         return;
     }
     auto const recognizer = sender ? objc::retain(sender) : std::exchange(tempButton(), {});
@@ -157,8 +157,9 @@ void CVLView::showMenu(UIGestureRecognizer sender) const
 
     CVLButton const button { recognizer->view().object };
     auto const sheet = UIAlertController::alertController(
-        filled("%@ - %@", { button.getContactName(), button.getPhoneNumber() }), nullptr,
-        UIAlertControllerStyleActionSheet);
+        filled("%@ - %@",
+            { button.send<"getContactName", NSString>(), button.send<"getPhoneNumber", NSString>() }),
+        nullptr, UIAlertControllerStyleActionSheet);
     if (!sheet) {
         releaseIdleTimer();   // there is no sheet whose entries could
         return;
@@ -167,7 +168,7 @@ void CVLView::showMenu(UIGestureRecognizer sender) const
         if (isShown(row, button, systemVersion))
             addEntry(sheet, row, *this, recognizer);
     if (prefs.showBirthday)
-        addBirthday(sheet, button.getBirthday());
+        addBirthday(sheet, button.send<"getBirthday", NSDate>());
     addActionIfAny(sheet, inertAction("Cancel"_ns, UIAlertActionStyleCancel));
     send<"windowForPrompts:">(sheet);
 }
