@@ -151,6 +151,13 @@ struct NSLayoutConstraint : objc::subclass<NSLayoutConstraint, "NSLayoutConstrai
     static void activateConstraints(NSArray constraints) { cls().send<"activateConstraints:">(constraints); }
 };
 
+// An array raises for nil.
+inline void addConstraintIfAny(NSMutableArray constraints, NSLayoutConstraint constraint)
+{
+    if (constraint)
+        constraints.addObject(constraint);
+}
+
 // One edge, centre or dimension of a view.
 struct NSLayoutAnchor : objc::subclass<NSLayoutAnchor, "NSLayoutAnchor", NSObject> {
     using subclass::subclass;

@@ -57,7 +57,8 @@ void CVLView::contactPickerDidSelectContacts(objc::handle, NSArray contacts) con
 {
     NSMutableArray const entries = NSMutableArray::array();
     for (NSUInteger i = 0; i < contacts.count(); ++i)
-        entries.addObject(entryFor(CNContact { contacts.objectAtIndex(i).object }));
+        if (NSDictionary const entry = entryFor(CNContact { contacts.objectAtIndex(i).object }))
+            entries.addObject(entry);
     writeContactList(entries);
     NSUInteger const count = entries.count();
     if (count == 0)

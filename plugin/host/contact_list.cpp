@@ -18,6 +18,8 @@ NSDictionary contactEntry(NSArray list, NSUInteger index)
 
 void writeContactList(NSArray entries)
 {
+    if (!entries)   // a dictionary raises for nil
+        return;
     NSMutableDictionary const file = NSMutableDictionary::dictionary();
     file.setObject(entries, "contactsArray"_ns);
     file.writeToFile(NSString::stringWithUTF8String(kContactListPath), /* atomically: */ true);

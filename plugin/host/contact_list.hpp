@@ -27,5 +27,5 @@ NSMutableArray readContactList();
 // The entry at the index as a dictionary; nil when it is none.
 NSDictionary contactEntry(NSArray list, NSUInteger index);
 
-// Replaces the file by a list of these entries, whole or not at all.
+// Replaces the file by a list of these entries, whole or not at all. Nil: the file stays as it is.
 void writeContactList(NSArray entries);

@@ -93,10 +93,10 @@ NSArray stripConstraints(CVLView strip, UIStackView stack)
     if (!strip || !stack)
         return constraints;
     CGFloat const inset = settings().bannerStyle == 2 ? 0 : kStripInset;
-    constraints.addObject(strip.centerXAnchor().constraintEqualTo(stack.centerXAnchor()));
-    constraints.addObject(strip.leadingAnchor().constraintEqualTo(stack.leadingAnchor(), inset));
-    constraints.addObject(strip.trailingAnchor().constraintEqualTo(stack.trailingAnchor(), -inset));
-    constraints.addObject(heightConstraint(strip));
+    addConstraintIfAny(constraints, strip.centerXAnchor().constraintEqualTo(stack.centerXAnchor()));
+    addConstraintIfAny(constraints, strip.leadingAnchor().constraintEqualTo(stack.leadingAnchor(), inset));
+    addConstraintIfAny(constraints, strip.trailingAnchor().constraintEqualTo(stack.trailingAnchor(), -inset));
+    addConstraintIfAny(constraints, heightConstraint(strip));
     return constraints;
 }
 

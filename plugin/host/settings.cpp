@@ -162,8 +162,10 @@ objc::ref<NSMutableDictionary> readSettingsFile()
 void setHideLSView(BOOL hidden, NSMutableDictionary file)
 {
     held().hideLSView = hidden;
-    if (NSNumber const value = NSNumber::numberWithBool(hidden))   // a dictionary raises for nil
-        file.setObject(value, "hideLSView"_ns);
+    NSString const key = "hideLSView"_ns;
+    NSNumber const value = NSNumber::numberWithBool(hidden);
+    if (key && value)   // a dictionary raises for nil
+        file.setObject(value, key);
     file.writeToFile(NSString::stringWithUTF8String(kSettingsPath), /* atomically: */ true);
 }
 

@@ -149,10 +149,10 @@ void addNameLabel(UICollectionViewCell cell, UILabel label, UIView button)
     cell.addSubview(label);
     label.setTranslatesAutoresizingMaskIntoConstraints(false);
     NSMutableArray const constraints = NSMutableArray::array();
-    constraints.addObject(label.topAnchor().constraintEqualTo(button.bottomAnchor(), 0.0));
-    constraints.addObject(label.centerXAnchor().constraintEqualTo(button.centerXAnchor()));
-    constraints.addObject(label.widthAnchor().constraintLessThanOrEqualToConstant(kLabelWidth));
-    constraints.addObject(label.heightAnchor().constraintEqualToConstant(15.0));
+    addConstraintIfAny(constraints, label.topAnchor().constraintEqualTo(button.bottomAnchor(), 0.0));
+    addConstraintIfAny(constraints, label.centerXAnchor().constraintEqualTo(button.centerXAnchor()));
+    addConstraintIfAny(constraints, label.widthAnchor().constraintLessThanOrEqualToConstant(kLabelWidth));
+    addConstraintIfAny(constraints, label.heightAnchor().constraintEqualToConstant(15.0));
     NSLayoutConstraint::activateConstraints(constraints);
 }
 
