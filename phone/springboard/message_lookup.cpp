@@ -13,5 +13,6 @@ extern "C" __attribute__((visibility("default"))) IMP objc_msg_lookup(id receive
         next = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "objc_msg_lookup"));
     IMP const found = next(receiver, selector);
     phone::MessageInterceptor const interceptor = phone::messageInterceptor();
-    return interceptor && receiver ? interceptor(receiver, selector, found) : found;
+    return interceptor && receiver ? interceptor(receiver, selector, found, __builtin_return_address(0))
+                                   : found;
 }

@@ -6,9 +6,9 @@
 
 namespace phone {
 
-// Answers the implementation to call in place of the one found. Any thread; never for nil. It must send no message
-// that leads back to it.
-using MessageInterceptor = IMP (*)(id receiver, SEL selector, IMP found);
+// Answers the implementation to call in place of the one found. The caller is the code that sends, by its return
+// address. Any thread; never for nil. It must send no message that leads back to it.
+using MessageInterceptor = IMP (*)(id receiver, SEL selector, IMP found, void const* caller);
 
 // nullptr: none. Main thread, with no other thread sending messages.
 void setMessageInterceptor(MessageInterceptor interceptor);

@@ -115,7 +115,7 @@ Recorder* makeRecorder(Class cls, SEL selector, IMP implementation)
     return place.get();
 }
 
-IMP intercept(id receiver, SEL selector, IMP found)
+IMP intercept(id receiver, SEL selector, IMP found, void const*)
 {
     Recording& state = recording();
     if (state.isBusy || std::this_thread::get_id() != state.mainThread)
