@@ -229,6 +229,8 @@ TEST_F(OverlayFrame, IsWhatItIsOnAKnownPhone)
 struct FirstFrame {
     int orientation;
     double x, y;
+    // Where it comes in, and where it stays.
+    std::vector<double> start, middle, end;
 };
 
 void PrintTo(FirstFrame const& row, std::ostream* stream) { *stream << row.orientation; }
@@ -251,9 +253,37 @@ TEST_P(OverlayFirstFrame, IsGivenByTheOrientation)
     EXPECT_EQ(frames[0]["value"]["rect"], Json::array({ GetParam().x, GetParam().y, 370.0, 88.0 }));
 }
 
+// Then it stands off the screen, and from there it comes in.
+TEST_P(OverlayFirstFrame, GivesWayToThePlaceWhereItComesIn)
+{
+    boot(options("15.4", Json::object(), 5));
+    turn(GetParam().orientation);
+    std::size_t const before = phone().trace().count();
+
+    gesture();
+
+    auto const frames = events("frame", before);
+    ASSERT_GE(frames.size(), 3u);
+    auto const expect = [](Json const& frame, char const* call, char const* kind,
+                            std::vector<double> const& numbers) {
+        EXPECT_EQ(frame["call"], call);
+        Json const& value = frame["value"][kind];
+        ASSERT_EQ(value.size(), numbers.size());
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            EXPECT_NEAR(value[i].get<double>(), numbers[i], 1e-9) << call << ' ' << i;
+    };
+    auto const last = frames.end();
+    expect(last[-3], "setFrame:", "rect", GetParam().start);
+    expect(last[-2], "setCenter:", "point", GetParam().middle);
+    expect(last[-1], "setFrame:", "rect", GetParam().end);
+}
+
 // To the right it begins at a part of the width, by a number that single precision makes a little more than 3.2.
 INSTANTIATE_TEST_SUITE_P(Orientations, OverlayFirstFrame,
-    testing::Values(FirstFrame { 1, 10, -100 }, FirstFrame { 2, -100, 10 },
-        FirstFrame { 3, 370, 844 / 3.200000047683716 }, FirstFrame { 4, -100, 195 }));
+    testing::Values(FirstFrame { 1, 10, -100, { 10, -100, 370, 88 }, { 195, -56 }, { 10, 40, 370, 88 } },
+        FirstFrame { 2, -100, 10, { -100, 151, 370, 88 }, { 85, 195 }, { 40, 151, 370, 88 } },
+        FirstFrame {
+            3, 370, 844 / 3.200000047683716, { 370, 237, 88, 370 }, { 414, 422 }, { 292, 237, 88, 370 } },
+        FirstFrame { 4, -100, 195, { -100, 237, 88, 370 }, { -56, 422 }, { 10, 237, 88, 370 } }));
 
 }

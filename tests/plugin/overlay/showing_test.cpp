@@ -162,6 +162,10 @@ TEST_F(OverlayShowing, MakesAWindowAtEachGestureWhileThereIsNobodyToShow)
     EXPECT_FALSE(isOverlayOnScreen());
     gesture();
     EXPECT_GT(overlayWindow().number(), firstNumber);
+    std::size_t windows = 0;
+    for (UIWindow const window : phone().windows())
+        windows += className(window) == "BAContainingWindow";
+    EXPECT_EQ(windows, 1u);
 
     // The list is read at each gesture until a strip is made.
     putContacts(2);
