@@ -2,9 +2,31 @@
 // what comes of a contact, or a strip, that has nothing.
 #include "tests/scenarios/actions.hpp"
 
+#include "objc/hook.hpp"
 #include "phone/foundation/strings.hpp"
+#include "phone/springboard/substrate.hpp"
 
 namespace phone {
+
+namespace {
+
+// A contact's button, recorded when it is asked for one of its strings.
+template <objc::fixed_string Selector>
+struct Asked {
+    static inline objc::original<NSString(objc::handle, SEL)> original;
+    static NSString replacement(objc::handle self, SEL cmd)
+    {
+        deviceTrace().record("asked", { { "selector", Selector.c_str() } });
+        return original(self, cmd);
+    }
+    static void hook()
+    {
+        auto const [replacement, slot] = objc::hook<Asked>();
+        MSHookMessageEx(objc_getClass("CVLButton"), objc::selector<Selector>(), replacement, slot);
+    }
+};
+
+}
 
 class CurrentContact : public Story {
 protected:
@@ -178,6 +200,36 @@ TEST_F(CurrentContact, TakesANilTargetForOne)
     EXPECT_EQ(recipients(effects()), "[]");
 }
 
+TEST_F(CurrentContact, TakesANilNumberForOne)
+{
+    bootPhone({ { "singleTapAction", 1 } });
+    UIView const anna = contactButton();
+    anna.send<"setPhoneNumber:">(NSString {});
+
+    touch(anna);
+    wait();
+
+    EXPECT_EQ(only(effects(), { "unlockRequest", "openURL" }),
+        (Effects { "unlockRequest", "openURL whatsapp://send?phone=" }));
+}
+
+TEST_F(CurrentContact, TakesANilNumberForOneBehindAPasscode)
+{
+    auto options = Story::options("15.4", { { "singleTapAction", 5 } });
+    options.passcode = kStoryPasscode;
+    boot(options);
+    UIView const anna = contactButton();
+    anna.send<"setPhoneNumber:">(NSString {});
+
+    touch(anna);
+    wait();
+    EXPECT_EQ(effects(), (Effects { "sound 1519", "passcodeTest yes", "unlockRequest", "passcode shown" }));
+    typePasscode();
+    wait();
+
+    EXPECT_EQ(recipients(effects()), "[]");
+}
+
 TEST_F(CurrentContact, IsWrittenToOnlyWhereItHasAnAddress)
 {
     Json contact = annasEntry();
@@ -263,6 +315,31 @@ protected:
         touch(alertRow("No"));
         wait();
     }
+    // What the phone was asked for, in order.
+    static std::vector<std::string> questions(std::size_t since)
+    {
+        std::vector<std::string> all;
+        for (Json const& event : phone().trace().events(since))
+            if (event["kind"] == "asked")
+                all.push_back(event["selector"]);
+            else if (event["kind"] == "passcodeTest")
+                all.push_back("passcodeTest");
+        return all;
+    }
+    static std::vector<std::string> expectedQuestions()
+    {
+        if (GetParam().code == 7)
+            return { "getEmailAddr", "passcodeTest" };
+        if (GetParam().takesName)
+            return { "getPhoneNumber", "getContactName", "passcodeTest" };
+        return { "getPhoneNumber", "passcodeTest" };
+    }
+    static void listen()
+    {
+        Asked<"getPhoneNumber">::hook();
+        Asked<"getContactName">::hook();
+        Asked<"getEmailAddr">::hook();
+    }
     static std::string nameOfWhoIsNext() { return GetParam().takesName ? "Bora" : "Anna"; }
     static std::string numberOfWhoIsNext()
     {
@@ -312,6 +389,32 @@ TEST_P(CapturedStrings, AreTheNumberOfAMenuEntryUnlessItWritesAMail)
     wait();
 
     EXPECT_EQ(siriText(0), phrase(numberOfWhoIsNext(), "whatsapp"));
+}
+
+TEST_P(CapturedStrings, AreTakenByATapBeforeItLooksAtTheLock)
+{
+    bootPhone({ { "singleTapAction", GetParam().code } });
+    listen();
+    std::size_t const before = phone().trace().count();
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ(questions(before), expectedQuestions());
+}
+
+TEST_P(CapturedStrings, AreTakenByAMenuEntryBeforeItLooksAtTheLock)
+{
+    bootAfterAnna(9);
+    hold(contactButton(1));
+    wait();
+    listen();
+    std::size_t const before = phone().trace().count();
+
+    touch(alertRow(GetParam().entry));
+    wait();
+
+    EXPECT_EQ(questions(before), expectedQuestions());
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, CapturedStrings, testing::ValuesIn(kCaptures),

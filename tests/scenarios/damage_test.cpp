@@ -1,11 +1,9 @@
 // A system that lacks something: a class, a method, an instance variable, or an object where there should be one.
 // What does not depend on it still works.
 #include "tests/scenarios/actions.hpp"
+#include "tests/scenarios/everyday_use.hpp"
 
 #include "phone/springboard/springboard_state.hpp"
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -44,6 +42,7 @@ struct Damage {
     char const* missing;
     std::set<int> broken;
     bool answersNil { false };   // the method is there, and answers nil
+    char const* version { "15.4" };
 };
 
 void PrintTo(Damage const& damage, std::ostream* stream) { *stream << damage.missing; }
@@ -51,47 +50,75 @@ void PrintTo(Damage const& damage, std::ostream* stream) { *stream << damage.mis
 std::vector<Damage> damages()
 {
     return {
-        { "SpringBoard", {} }, { "SpringBoard pluginUserAgent", {} },
-        { "SpringBoard pluginUserAgent", {}, true }, { "SBPluginUserAgent deviceIsPasscodeLocked", {} },
-        { "SBLockScreenManager", {} }, { "SBLockScreenManager sharedInstance", {} },
+        { "SpringBoard", {} },
+        { "SpringBoard pluginUserAgent", {} },
+        { "SpringBoard pluginUserAgent", {}, true },
+        { "SBPluginUserAgent deviceIsPasscodeLocked", {} },
+        { "SBLockScreenManager", {} },
+        { "SBLockScreenManager sharedInstance", {} },
         { "SBLockScreenManager sharedInstance", {}, true },
         { "SBLockScreenManager lockScreenViewControllerRequestsUnlock", {} },
         { "SBLockScreenManager lockScreenViewControllerWillDismiss", {} },
         { "SBLockScreenManager _finishUIUnlockFromSource:withOptions:", {} },
-        { "SBCoverSheetPresentationManager", {} }, { "SBCoverSheetPresentationManager sharedInstance", {} },
+        { "SBCoverSheetPresentationManager", {} },
+        { "SBCoverSheetPresentationManager sharedInstance", {} },
         { "SBCoverSheetPresentationManager sharedInstance", {}, true },
         { "SBCoverSheetPresentationManager coverSheetViewController", {} },
         { "SBCoverSheetPresentationManager coverSheetViewController", {}, true },
         { "CSCoverSheetViewController idleTimerController", {} },
         { "CSCoverSheetViewController idleTimerController", {}, true },
-        { "CSIdleTimerController._dashBoardIdleTimerProvider", {} }, { "NSObject safeValueForKey:", {} },
+        { "CSIdleTimerController._dashBoardIdleTimerProvider", {} },
+        { "NSObject safeValueForKey:", {} },
         { "SBDashBoardIdleTimerProvider addDisabledIdleTimerAssertionReason:", {} },
         { "SBDashBoardIdleTimerProvider removeDisabledIdleTimerAssertionReason:", {} },
         { "CSNotificationAdjunctListViewController _updatePresentingContent", {} },
         { "CSNotificationAdjunctListViewController _insertItem:animated:", {} },
-        { "CSPasscodeViewController", {} }, { "SpringBoard _frontMostAppOrientation", {} },
-        { "SBAssistantController", { 3, 4 } }, { "SBAssistantController sharedInstance", { 3, 4 } },
+        { "CSPasscodeViewController", {} },
+        { "SpringBoard _frontMostAppOrientation", {} },
+        { "SBAssistantController", { 3, 4 } },
+        { "SBAssistantController sharedInstance", { 3, 4 } },
         { "SBAssistantController sharedInstance", { 3, 4 }, true },
         { "SBAssistantController._mainScreenSiriPresentation", { 3, 4 } },
         { "SBSiriPresentation presentationRequestedWithPresentationOptions:requestOptions:", { 3, 4 } },
-        { "SiriPresentationOptions", {} }, { "SiriPresentationOptions setWakeScreen:", {} },
+        { "SiriPresentationOptions", {} },
+        { "SiriPresentationOptions setWakeScreen:", {} },
         { "SiriPresentationOptions setHideOtherWindowsDuringAppearance:", {} },
         { "SASRequestOptions", { 3, 4 } },
         { "SASRequestOptions initWithRequestSource:uiPresentationIdentifier:", { 3, 4 } },
-        { "SASRequestOptions timestamp", {} }, { "SASRequestOptions setButtonDownTimestamp:", {} },
+        { "SASRequestOptions timestamp", {} },
+        { "SASRequestOptions setButtonDownTimestamp:", {} },
         { "SASRequestOptions setText:", { 3, 4 } },
-        { "SASRequestOptions setContextAppInfosForSiriViewController:", {} }, { "AFApplicationInfo", {} },
-        { "AFApplicationInfo setPid:", {} }, { "AFApplicationInfo setIdentifier:", {} },
-        { "MFMessageComposeViewController", { 5 } }, { "MFMessageComposeViewController canSendText", { 5 } },
+        { "SASRequestOptions setContextAppInfosForSiriViewController:", {} },
+        { "AFApplicationInfo", {} },
+        { "AFApplicationInfo setPid:", {} },
+        { "AFApplicationInfo setIdentifier:", {} },
+        { "MFMessageComposeViewController", { 5 } },
+        { "MFMessageComposeViewController canSendText", { 5 } },
         { "MFMessageComposeViewController setMessageComposeDelegate:", {} },
-        { "MFMessageComposeViewController setRecipients:", {} }, { "MFMailComposeViewController", { 7 } },
+        { "MFMessageComposeViewController setRecipients:", {} },
+        { "MFMailComposeViewController", { 7 } },
         { "MFMailComposeViewController canSendMail", { 7 } },
         { "MFMailComposeViewController setMailComposeDelegate:", {} },
-        { "MFMailComposeViewController setToRecipients:", {} }, { "CNContactPickerViewController", {} },
-        { "LAActivator", {} }, { "activator", {} }, { "UIAlertAction setImage:", {} },
+        { "MFMailComposeViewController setToRecipients:", {} },
+        { "CNContactPickerViewController", {} },
+        { "CNContactPickerViewController setDelegate:", {} },
+        { "LAActivator", {} },
+        { "LAActivator sharedInstance", {} },
+        { "LAActivator sharedInstance", {}, true },
+        { "LAActivator registerListener:forName:", {} },
+        { "activator", {} },
+        { "UIAlertAction setImage:", {} },
         { "UIImage _applicationIconImageForBundleIdentifier:format:scale:", {} },
         { "UIImage _applicationIconImageForBundleIdentifier:format:scale:", {}, true },
-        { "UIWindow _setSecure:", {} }, { "whatsapp", {} },   // asked for all the same
+        { "UIWindow _setSecure:", {} },
+        { "UIWindow setAutorotates:", {} },
+        { "UIViewController presentViewController:animated:completion:", { 0, 1, 2, 3, 4, 5, 6, 7 } },
+        { "whatsapp", {} },   // asked for all the same
+        // No system before 13 has calls by Siri.
+        { "SBCoverSheetPresentationManager dashBoardViewController", { 3, 4 }, false, "12.4" },
+        { "SBCoverSheetPresentationManager dashBoardViewController", { 3, 4 }, true, "12.4" },
+        { "SBDashBoardViewController._idleTimerProvider", { 3, 4 }, false, "12.4" },
+        { "SBDashBoardPasscodeViewController", { 3, 4 }, false, "12.4" },
     };
 }
 
@@ -140,7 +167,7 @@ protected:
 TEST_P(Damaged, StillDoesEverythingElse)
 {
     Damage const& damage = GetParam();
-    auto options = Story::options("15.4", { { "singleTapAction", 9 }, { "askBeforeCall", false } });
+    auto options = Story::options(damage.version, { { "singleTapAction", 9 }, { "askBeforeCall", false } });
     options.absent = { damage.missing };
     if (damage.answersNil)
         options.present = { damage.missing };
@@ -157,83 +184,8 @@ TEST_P(Damaged, StillDoesEverythingElse)
 INSTANTIATE_TEST_SUITE_P(Every, Damaged, testing::ValuesIn(damages()), nameOf);
 
 // Whatever class the plug-in looks up by name, however fundamental: nothing crashes.
-class MissingClass : public Story {
+class MissingClass : public EverydayUse {
 protected:
-    static BootOptions usual(std::string const& version)
-    {
-        return options(version, { { "singleTapAction", 0 }, { "askBeforeCall", true } },
-            Json::array({ annasEntry(), emptyEntry(), "no entry" }));
-    }
-    static void useEverything()
-    {
-        if (UIView const contact = contactButton()) {
-            touch(contact);
-            wait();
-            if (UIView const row = alertRow("No"))
-                touch(row);
-            wait();
-            for (char const* const title :
-                { "New SMS Message", "Email (anna@example.com)", "Call via WhatsApp" }) {
-                if (UIView const shown = contactButton())
-                    hold(shown);
-                wait();
-                if (UIView const row = alertRow(title))
-                    touch(row);
-                wait();
-                for (char const* const end : { "Cancel", "Siri" })
-                    if (UIView const shown = button(end))
-                        touch(shown);
-                wait();
-            }
-        }
-        phone().strip().send<"addButton:">(objc::handle {});
-        wait();
-        for (int i = 0; i < 2; ++i) {
-            phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
-            wait();
-            static_cast<void>(phone().setOrientation(i == 0 ? 3 : 1));
-            wait();
-        }
-        phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelLS");
-        phone().requestUnlock();
-        wait();
-        phone().lock();
-        phone().setMusicPlaying(true);
-        wait();
-    }
-    // In a process of its own: nothing, or how it failed. It writes to the pipe what is to be said.
-    static std::string inChild(std::function<void(std::FILE*)> const& work, std::string* said = nullptr)
-    {
-        int ends[2];
-        if (pipe(ends) != 0)
-            return "there is no pipe";
-        std::fflush(nullptr);
-        pid_t const child = fork();
-        if (child == 0) {
-            std::FILE* const stream = fdopen(ends[1], "w");
-            int status = 0;
-            try {
-                work(stream);
-            } catch (...) {
-                status = kRaised;
-            }
-            std::fclose(stream);
-            phone().close();
-            std::fflush(nullptr);
-            _exit(status);
-        }
-        close(ends[1]);
-        char letter;
-        while (read(ends[0], &letter, 1) == 1)
-            if (said)
-                *said += letter;
-        close(ends[0]);
-        int status = 0;
-        waitpid(child, &status, 0);
-        if (WIFSIGNALED(status))
-            return strsignal(WTERMSIG(status));
-        return WEXITSTATUS(status) == kRaised ? "raised an exception" : "";
-    }
     static void expectSurvival(std::string const& version)
     {
         std::string lookups;
@@ -266,9 +218,6 @@ protected:
         }
         EXPECT_GT(count, 50u);
     }
-
-private:
-    static constexpr int kRaised = 3;
 };
 
 TEST_F(MissingClass, CrashesNothingOnACoverSheetSystem) { expectSurvival("15.4"); }

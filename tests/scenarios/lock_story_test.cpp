@@ -23,14 +23,23 @@ Json borasEntry()
     return entry;
 }
 
-NSInteger g_parkedAtRequest = 0;   // what the strip had parked when the unlock was asked for
+// What the strip had to tell when the unlock was asked for.
+NSInteger g_parkedAtRequest = 0;
+BOOL g_stayedAtRequest = false;
 
 struct RequestUnlock {
     static inline objc::original<void(objc::handle, SEL)> original;
     static void replacement(objc::handle self, SEL cmd)
     {
         g_parkedAtRequest = phone().strip().send<"actionState", NSInteger>();
+        g_stayedAtRequest = phone().strip().send<"getShouldStayAtLS", BOOL>();
         original(self, cmd);
+    }
+    static void hook()
+    {
+        auto const [replacement, slot] = objc::hook<RequestUnlock>();
+        MSHookMessageEx(objc_getClass("SBLockScreenManager"),
+            objc::selector<"lockScreenViewControllerRequestsUnlock">(), replacement, slot);
     }
 };
 
@@ -119,14 +128,37 @@ TEST_P(LockStory, TellsItsParkedActionOnce)
 TEST_P(LockStory, ParksItsActionBeforeItAsksForTheUnlock)
 {
     bootLocked({ { "singleTapAction", 2 } });
-    auto const [replacement, slot] = objc::hook<RequestUnlock>();
-    MSHookMessageEx(objc_getClass("SBLockScreenManager"),
-        objc::selector<"lockScreenViewControllerRequestsUnlock">(), replacement, slot);
+    RequestUnlock::hook();
 
     touch(contactButton());
     wait();
 
     EXPECT_EQ(g_parkedAtRequest, 7);
+    EXPECT_FALSE(g_stayedAtRequest);
+}
+
+TEST_P(LockStory, MeansToStayBeforeItAsksForTheUnlock)
+{
+    bootLocked({ { "singleTapAction", 5 } });
+    RequestUnlock::hook();
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ(g_parkedAtRequest, 3);
+    EXPECT_TRUE(g_stayedAtRequest);
+}
+
+TEST_P(LockStory, MeansToStayForItsMenuBeforeItAsksForTheUnlock)
+{
+    bootLocked({ { "singleTapAction", 9 }, { "validateUnlockBeforeCall", true } });
+    RequestUnlock::hook();
+
+    hold(contactButton());
+    wait();
+
+    EXPECT_EQ(g_parkedAtRequest, 9);
+    EXPECT_TRUE(g_stayedAtRequest);
 }
 
 TEST_P(LockStory, ForgetsAWishWhenTheSideButtonPutsThePasscodeAway)

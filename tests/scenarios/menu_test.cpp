@@ -1,6 +1,7 @@
 // The action menu: its rows under every single-tap setting and every switch, and each entry, by touches alone.
 #include "tests/scenarios/actions.hpp"
 
+#include <algorithm>
 #include <set>
 
 namespace phone {
@@ -132,6 +133,24 @@ TEST_F(Menu, OpensOnceForALongPressThatGoesOn)
     EXPECT_EQ(effects(), (Effects { "passcodeTest no", "hold CVL", "sound 1519", kSheet }));
 }
 
+TEST_F(Menu, OpensOnceForALongPressThatMoves)
+{
+    boot(options("15.4", { { "singleTapAction", 9 } }));
+    UIView const contact = contactButton();
+    CGPoint const start = contact.convertPointToView({ 22, 22 }, {});
+
+    phone().touchDown(start);
+    wait(0.4);
+    for (double const by : { 4.0, 8.0, 120.0 }) {
+        phone().touchMove({ start.x + by, start.y });
+        wait(0.1);
+    }
+    phone().touchUp({ start.x + 120, start.y });
+    wait();
+
+    EXPECT_EQ(effects(), (Effects { "passcodeTest no", "hold CVL", "sound 1519", kSheet }));
+}
+
 TEST_F(Menu, LeavesOutAMailRowWithoutAddressAndABirthdayRowWithoutBirthday)
 {
     boot(options("15.4", { { "singleTapAction", 9 } }, Json::array({ emptyEntry() })));
@@ -161,6 +180,31 @@ TEST_F(Menu, LetsTheScreenGoWithCancelAndWithTheBirthday)
         EXPECT_FALSE(phone().idleTimer().isDisabled());
         EXPECT_FALSE(alert());
     }
+}
+
+TEST_F(Menu, ShowsTheCakeWithTheBirthday)
+{
+    boot(options("15.4", { { "singleTapAction", 9 } }));
+    hold(contactButton());
+    wait();
+
+    Json const actions = trace("present").back()["actions"];
+    Json const birthday = actions[actions.size() - 2];
+    ASSERT_EQ(birthday["title"], kBirthdayRow);
+    EXPECT_EQ(birthday["image"]["size"], Json::array({ 29.0, 29.0 }));
+}
+
+// Without birthday frames no strip has made a cake.
+TEST_F(Menu, TellsTheBirthdayAlsoWhereThereIsNoCake)
+{
+    boot(options("15.4", { { "singleTapAction", 9 }, { "birthdayFrame", false } }));
+    hold(contactButton());
+    wait();
+
+    EXPECT_EQ(alertRows(), expectedRows("15.4", 9));
+    Json const actions = trace("present").back()["actions"];
+    EXPECT_EQ(actions[actions.size() - 2]["title"], kBirthdayRow);
+    EXPECT_EQ(actions[actions.size() - 2]["image"], nullptr);
 }
 
 TEST_F(Menu, OffersCallsBySiriFromThirteenOn)
@@ -258,11 +302,12 @@ protected:
     static bool opensApp() { return action().group == ActionGroup::messagingApp; }
     static bool isCall() { return action().group == ActionGroup::call; }
 
-    static void bootPhone(bool hasPasscode, bool validates)
+    static void bootPhone(bool hasPasscode, bool validates, Json contact = annasEntry())
     {
         auto options = Story::options(version(),
             { { "singleTapAction", 9 }, { "askBeforeCall", false },
-                { "validateUnlockBeforeCall", validates } });
+                { "validateUnlockBeforeCall", validates } },
+            Json::array({ contact }));
         if (hasPasscode)
             options.passcode = kStoryPasscode;
         boot(options);
@@ -372,6 +417,27 @@ TEST_P(MenuEntry, IsForgottenWhenThePasscodeIsCancelled)
     wait();
     EXPECT_TRUE(only(effects(), { "openURL", "siri", "present", "hold" }).empty());
     EXPECT_FALSE(phone().isLocked());
+}
+
+// Other than a tap, an entry does not ask whether there is somebody to reach.
+TEST_P(MenuEntry, RunsWithoutATargetAllTheSame)
+{
+    if (isMissing() || entry().tapCode == 7)   // there is no such row without an address
+        return;
+    bootPhone(true, false, emptyEntry());
+    openMenu();
+    Effects came = chosen();
+    if (!isCall()) {
+        EXPECT_EQ(came, (Effects { "passcodeTest yes", "unlockRequest", "passcode shown", "release CVL" }));
+        typePasscode();
+        wait();
+        came = effects();
+    }
+
+    constexpr char const* kWithoutNumber[] { "openURL tel:", "openURL whatsapp://send?phone=",
+        "openURL tg://msg?&to=", "siri call  in whatsapp", "siri call  in telegram",
+        "MFMessageComposeViewControllerCVL setRecipients:([\"\"])", "openURL facetime:" };
+    EXPECT_TRUE(std::ranges::count(came, kWithoutNumber[entry().tapCode])) << testing::PrintToString(came);
 }
 
 INSTANTIATE_TEST_SUITE_P(EverySystem, MenuEntry,

@@ -1,51 +1,78 @@
 // Actions of the overlay strip: each puts the strip away, at its own moment.
 #include "tests/scenarios/actions.hpp"
 
+#include <algorithm>
+
 namespace phone {
 
 class OverlayParking : public Story {
 protected:
-    static UIView overlayContact()
+    static UIView overlayContact(std::size_t index = 0)
     {
+        std::vector<UIView> contacts;
         for (UIView const view : visibleViews())
             if (view.send<"isKindOfClass:", BOOL>(objc::class_handle { objc_getClass("CVLButton") })
                 && view.isDescendantOfView(phone().overlay()))
-                return view;
-        return {};
+                contacts.push_back(view);
+        std::ranges::sort(contacts, {}, [](UIView view) { return view.convertPointToView({ 0, 0 }, {}).x; });
+        return index < contacts.size() ? contacts[index] : UIView {};
     }
-};
-
-class OverlayAction : public OverlayParking, public testing::WithParamInterface<int> {
-protected:
-    static void bootWithOverlay(Json settings)
+    static void summonOverlay()
     {
-        settings["singleTapAction"] = GetParam();
-        settings["askBeforeCall"] = false;
-        auto options = Story::options("15.4", settings);
-        options.locked = false;
-        boot(options);
         phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
         wait();
-        ASSERT_TRUE(isShown());
+        ASSERT_TRUE(phone().overlay());
         forget();
     }
     static bool isShown() { return bool(phone().overlay()); }
 };
 
-TEST_P(OverlayAction, PutsTheStripAway)
+class OverlayAction : public OverlayParking,
+                      public testing::WithParamInterface<std::tuple<char const*, int>> {
+protected:
+    static int code() { return std::get<1>(GetParam()); }
+    static void bootWithOverlay(Json contact = annasEntry())
+    {
+        auto options = Story::options(std::get<0>(GetParam()),
+            { { "singleTapAction", code() }, { "askBeforeCall", false },
+                { "validateUnlockBeforeCall", true } },
+            Json::array({ contact }));
+        options.passcode = kStoryPasscode;
+        options.locked = false;
+        boot(options);
+        summonOverlay();
+    }
+};
+
+TEST_P(OverlayAction, RunsAtOnceOnAnUnlockedPhoneAndPutsTheStripAway)
 {
-    bootWithOverlay(Json::object());
+    bootWithOverlay();
+    ActionRow const& action = actionOfTap(code());
 
     touch(overlayContact());
     wait();
 
-    EXPECT_FALSE(only(effects(), { "openURL", "siri", "present" }).empty());
+    Effects expected { "sound 1519", "passcodeTest no" };
+    if (action.group == ActionGroup::messagingApp)
+        expected.push_back("unlockRequest");
+    EXPECT_EQ(effects(), expected + action.atOnce + action.later);
     EXPECT_FALSE(isShown());
+}
+
+TEST_P(OverlayAction, LeavesTheStripWithoutATarget)
+{
+    bootWithOverlay(emptyEntry());
+
+    touch(overlayContact());
+    wait();
+
+    EXPECT_EQ(effects(), (Effects { "sound 1519", "passcodeTest no" }));
+    EXPECT_TRUE(isShown());
 }
 
 TEST_P(OverlayAction, PutsTheStripAwayAlsoWhenNothingTakesTheUrl)
 {
-    bootWithOverlay(Json::object());
+    bootWithOverlay();
     for (char const* const app : { "whatsapp", "telegram" })
         ASSERT_TRUE(phone().setAvailable(app, false));
 
@@ -55,8 +82,45 @@ TEST_P(OverlayAction, PutsTheStripAwayAlsoWhenNothingTakesTheUrl)
     EXPECT_FALSE(isShown());
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, OverlayAction, testing::Range(0, 8),
-    [](auto const& info) { return "Code" + std::to_string(info.param); });
+INSTANTIATE_TEST_SUITE_P(EverySystem, OverlayAction,
+    testing::Combine(testing::ValuesIn(kStoryVersions), testing::Range(0, 8)), [](auto const& info) {
+        return versionName(std::get<0>(info.param)) + "Code" + std::to_string(std::get<1>(info.param));
+    });
+
+class TwoWishes : public OverlayParking, public testing::WithParamInterface<char const*> { };
+
+// The overlay lies over the passcode screen, so that a finger can wish for something else meanwhile.
+TEST_P(TwoWishes, RunTheLastOne)
+{
+    Json bora = annasEntry();
+    bora["contactFirstName"] = "Bora";
+    bora["contactPhoneNumber"] = "+1 555 0100";
+    auto options =
+        Story::options(GetParam(), { { "singleTapAction", 5 } }, Json::array({ annasEntry(), bora }));
+    options.passcode = kStoryPasscode;
+    boot(options);
+    summonOverlay();
+
+    touch(contactButton(0));
+    wait();
+    EXPECT_EQ(effects(), (Effects { "sound 1519", "passcodeTest yes", "unlockRequest", "passcode shown" }));
+    touch(overlayContact(1));
+    wait();
+    EXPECT_EQ(effects(), (Effects { "sound 1519", "passcodeTest yes", "unlockRequest" }));
+    typePasscode();
+    wait();
+
+    EXPECT_EQ(only(effects(), { "MFMessageComposeViewControllerCVL", "present" }),
+        (Effects { "MFMessageComposeViewControllerCVL setMessageComposeDelegate:(CVLView)",
+            "MFMessageComposeViewControllerCVL setRecipients:([\"+1 555 0100\"])",
+            "MFMessageComposeViewControllerCVL becomeFirstResponder()",
+            "present MFMessageComposeViewControllerCVL" }));
+    EXPECT_FALSE(isShown());
+    EXPECT_TRUE(phone().isLocked());
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySystem, TwoWishes, testing::ValuesIn(kStoryVersions),
+    [](auto const& info) { return versionName(info.param); });
 
 // What was parked runs on the lock screen's strip, whichever strip was touched.
 TEST_F(OverlayParking, RunsOnTheLockScreensStrip)
@@ -64,8 +128,7 @@ TEST_F(OverlayParking, RunsOnTheLockScreensStrip)
     auto options = Story::options("15.4", { { "singleTapAction", 5 } });
     options.passcode = kStoryPasscode;
     boot(options);
-    phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
-    wait();
+    summonOverlay();
 
     touch(overlayContact());
     wait();
@@ -83,15 +146,16 @@ TEST_F(OverlayParking, RunsOnTheLockScreensStrip)
     EXPECT_TRUE(phone().isLocked());
 }
 
-class OverlayPrompt : public OverlayAction { };
+class OverlayPrompt : public OverlayParking,
+                      public testing::WithParamInterface<std::tuple<char const*, int>> { };
 
 TEST_P(OverlayPrompt, LeavesTheStripUntilItIsAnsweredWithYes)
 {
-    auto options = Story::options("15.4", { { "singleTapAction", GetParam() } });
+    auto const [version, code] = GetParam();
+    auto options = Story::options(version, { { "singleTapAction", code } });
     options.locked = false;
     boot(options);
-    phone().postNotification(NotificationCenterKind::standard, "com.orvane.corvelNONLS");
-    wait();
+    summonOverlay();
 
     touch(overlayContact());
     wait();
@@ -107,7 +171,9 @@ TEST_P(OverlayPrompt, LeavesTheStripUntilItIsAnsweredWithYes)
     EXPECT_FALSE(isShown());
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, OverlayPrompt, testing::Values(0, 6),
-    [](auto const& info) { return "Code" + std::to_string(info.param); });
+INSTANTIATE_TEST_SUITE_P(Calls, OverlayPrompt,
+    testing::Combine(testing::ValuesIn(kStoryVersions), testing::Values(0, 6)), [](auto const& info) {
+        return versionName(std::get<0>(info.param)) + "Code" + std::to_string(std::get<1>(info.param));
+    });
 
 }

@@ -2,6 +2,8 @@
 // one, and with nothing to reach the contact by.
 #include "tests/scenarios/actions.hpp"
 
+#include <limits>
+
 namespace phone {
 
 namespace {
@@ -47,6 +49,15 @@ protected:
         if (hasPasscode)
             options.passcode = kStoryPasscode;
         boot(options);
+    }
+
+    static Effects afterThePasscode()
+    {
+        Effects const accepted { "passcode accepted" };
+        if (!opensApp())
+            return accepted + action() + Effects { "passcode disappeared" };
+        return accepted + Effects { "lock unlockFinished", "lock willDismiss" } + action()
+            + Effects { "passcode disappeared", "lock dismissed" };
     }
 
     // The tap itself, up to what the phone does about it within a second.
@@ -96,13 +107,7 @@ TEST_P(SingleTap, WaitsForThePasscode)
     typePasscode();
     wait();
 
-    Effects expected { "passcode accepted" };
-    if (opensApp())
-        expected = expected + Effects { "lock unlockFinished", "lock willDismiss" } + action()
-            + Effects { "passcode disappeared", "lock dismissed" };
-    else
-        expected = expected + action() + Effects { "passcode disappeared" };
-    EXPECT_EQ(effects(), expected);
+    EXPECT_EQ(effects(), afterThePasscode());
     EXPECT_EQ(phone().isLocked(), !opensApp());
     EXPECT_FALSE(phone().isPasscodeLocked());
 }
@@ -112,10 +117,16 @@ TEST_P(SingleTap, CallsAtOnceBehindAPasscodeUnlessValidating)
     bootPhone(true, false);
 
     Effects const start { "sound 1519", "passcodeTest yes" };
-    if (isCall())
+    if (isCall()) {
         EXPECT_EQ(tapped(), start + action());
-    else
-        EXPECT_EQ(tapped(), start + Effects({ "unlockRequest", "passcode shown" }));
+        EXPECT_TRUE(phone().isPasscodeLocked());
+        return;
+    }
+    EXPECT_EQ(tapped(), start + Effects({ "unlockRequest", "passcode shown" }));
+    typePasscode();
+    wait();
+    EXPECT_EQ(effects(), afterThePasscode());
+    EXPECT_EQ(phone().isLocked(), !opensApp());
 }
 
 TEST_P(SingleTap, IsForgottenWhenThePasscodeIsCancelled)
@@ -154,5 +165,30 @@ TEST_P(SingleTap, SurvivesAWrongPasscode)
 }
 
 INSTANTIATE_TEST_SUITE_P(EverySystem, SingleTap, testing::ValuesIn(cases()), nameOf);
+
+class SingleTapBeyond : public Story, public testing::WithParamInterface<int> { };
+
+// It is felt and seen, and the lock is not even looked at.
+TEST_P(SingleTapBeyond, TheCodesDoesNothing)
+{
+    auto options = Story::options("15.4", { { "singleTapAction", GetParam() } });
+    options.passcode = kStoryPasscode;
+    boot(options);
+
+    std::size_t const before = phone().trace().count();
+
+    touch(contactButton());
+    wait();
+
+    EXPECT_EQ(effects(), Effects { "sound 1519" });
+    int fadings = 0;
+    for (Json const& event : phone().trace().events(before))
+        fadings += event["kind"] == "animate" && !event.contains("own") && event["duration"] == 0.2;
+    EXPECT_EQ(fadings, 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, SingleTapBeyond,
+    testing::Values(8, 9, 255, 256, -1, -8, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()),
+    [](auto const& info) { return "Row" + std::to_string(info.index); });
 
 }

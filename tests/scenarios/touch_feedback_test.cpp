@@ -55,6 +55,23 @@ TEST_F(TouchFeedback, FadesWhenTheFingerComesAndAgainWhenItGoes)
     EXPECT_TRUE(effects().empty());
 }
 
+TEST_F(TouchFeedback, IsFeltBetweenTheTwoFadings)
+{
+    bootPhone({ { "singleTapAction", 9 } });
+    CGPoint const point = middle(contactButton());
+    phone().touchDown(point);
+    std::size_t const before = phone().trace().count();
+
+    phone().touchUp(point);
+
+    std::vector<std::string> kinds;
+    for (Json const& event : phone().trace().events(before))
+        if (!event.contains("own") && (event["kind"] == "sound" || event["kind"] == "animate"))
+            kinds.push_back(event["kind"]);
+    // A short touch in a list reaches the button when it ends.
+    EXPECT_EQ(kinds, (std::vector<std::string> { "animate", "sound", "animate" }));
+}
+
 TEST_F(TouchFeedback, FadesAndDoesNothingWhenTheFingerLeavesTheButton)
 {
     bootPhone({ { "singleTapAction", 0 } });
