@@ -21,7 +21,7 @@ constexpr double kTextSize = 17;
 constexpr double kRecipientGap = 8;
 constexpr double kRecipientLine = 24;
 constexpr double kEntryHeight = 36;
-constexpr double kSendWidth = 64;
+constexpr double kTouchMargin = 8;   // of a button, beyond its title
 
 CGRect mirroredIn(CGRect rect, double width)
 {
@@ -136,11 +136,12 @@ void ComposerCard::layOut(CGRect bounds)
     if (m_kind != ComposerKind::message)
         return;
     double const entryTop = bounds.size.height - insets.bottom - kEntryHeight - 8;
-    double const entryWidth = right - left - kSendWidth;
+    double const sendWidth = m_send->intrinsicContentSize().width + 2 * kTouchMargin;
+    double const entryWidth = right - left - sendWidth;
     m_entry->setFrame(mirroredIn({ { left, entryTop }, { entryWidth, kEntryHeight } }, width));
     m_entryHint->setFrame({ { 14, 0 }, { entryWidth - 28, kEntryHeight } });
-    m_send->setFrame(
-        mirroredIn({ { right - kSendWidth + 8, entryTop - 4 }, { kSendWidth, kEntryHeight + 8 } }, width));
+    m_send->setFrame(mirroredIn(
+        { { right - sendWidth + kTouchMargin, entryTop - 4 }, { sendWidth, kEntryHeight + 8 } }, width));
 }
 
 void noteComposerCall(UIViewController composer, char const* call, Json value)

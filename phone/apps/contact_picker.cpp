@@ -109,10 +109,16 @@ struct ContactRow : objc::subclass<ContactRow, "CNContactPickerRow", UIControl> 
     }
 };
 
+// The rows, one below the other. They are controls, and yet a finger that has rested on one scrolls them, as a table's.
+struct ContactList : objc::subclass<ContactList, "CNContactPickerList", UIScrollView> {
+    using subclass::subclass;
+    BOOL touchesShouldCancelInContentView(UIView) const { return true; }
+};
+
 struct PickerState {
     Weak<NSObject> delegate;
     std::unique_ptr<ModalCard> card;
-    objc::ref<UIScrollView> list;
+    objc::ref<ContactList> list;
     std::vector<objc::ref<ContactRow>> rows;   // in the order of the address book as it was
     std::vector<AddressBookContact> contacts;
     std::vector<std::size_t> picked;   // in the order touched
@@ -180,7 +186,7 @@ void CNContactPickerViewController::loadView() const
     state.card->addButton(
         ModalCard::Side::trailing, "Done", objc::selector<"phone_donePressed:">(), ModalCard::Weight::strong);
     state.contacts = addressBook();
-    state.list = make<UIScrollView>();
+    state.list = make<ContactList>();
     state.list->setAlwaysBounceVertical(true);
     for (std::size_t i = 0; i < state.contacts.size(); ++i) {
         AddressBookContact const& contact = state.contacts[i];
@@ -239,6 +245,9 @@ void defineCNContactPickerViewController()
         .method<"setSelected:", &ContactRow::setSelected>()
         .method<"setHighlighted:", &ContactRow::setHighlighted>()
         .method<"layoutSubviews", &ContactRow::layoutSubviews>()
+        .install();
+    objc::define<ContactList>()
+        .method<"touchesShouldCancelInContentView:", &ContactList::touchesShouldCancelInContentView>()
         .install();
     objc::define<Self>()
         .state<PickerState>()

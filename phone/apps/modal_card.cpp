@@ -21,8 +21,9 @@ constexpr double kCardGap = 10;
 constexpr double kCardRadius = 10;
 constexpr double kSheetBar = 56;
 constexpr double kScreenBar = 44;
-constexpr double kBarMargin = 8;
-constexpr double kButtonWidth = 84;
+constexpr double kBarMargin = 16;
+constexpr double kTouchMargin = 8;   // of a button, beyond its title
+constexpr double kTitleMargin = 92;
 constexpr double kSlideSeconds = 0.4;
 
 constexpr int kFirstWithCards = 13;   // iOS
@@ -120,12 +121,15 @@ void ModalCard::layOut(CGRect bounds)
     double const barTop = card ? 0 : insets.top;
     double const barHeight = card ? kSheetBar : kScreenBar;
     double const barBottom = barTop + barHeight;
-    double const left = insets.left + kBarMargin;
-    double const right = bounds.size.width - insets.right - kBarMargin;
-    m_title->setFrame({ { left + kButtonWidth, barTop }, { right - left - 2 * kButtonWidth, barHeight } });
+    double const left = insets.left + kBarMargin - kTouchMargin;
+    double const right = bounds.size.width - insets.right - kBarMargin + kTouchMargin;
+    double const titleLeft = insets.left + kTitleMargin;
+    m_title->setFrame({ { titleLeft, barTop },
+        { bounds.size.width - titleLeft - insets.right - kTitleMargin, barHeight } });
     for (auto const& [side, button] : m_buttons) {
         bool const isLeft = (side == Side::leading) != isRightToLeft();
-        button->setFrame({ { isLeft ? left : right - kButtonWidth, barTop }, { kButtonWidth, barHeight } });
+        double const width = button->intrinsicContentSize().width + 2 * kTouchMargin;
+        button->setFrame({ { isLeft ? left : right - width, barTop }, { width, barHeight } });
     }
     m_barLine->setFrame({ { 0, barBottom - hairlineHeight() }, { bounds.size.width, hairlineHeight() } });
     m_content->setFrame({ { 0, barBottom }, { bounds.size.width, bounds.size.height - top - barBottom } });

@@ -413,28 +413,47 @@ TEST_F(Picked, ThreeTakeThePlaceOfFiveAtTheNextStart)
     EXPECT_TRUE(contactButton(4));
 }
 
-class PickerList : public Story { };
+class PickerList : public PickerStory {
+protected:
+    static Json many(int count)
+    {
+        Json contacts = Json::array();
+        for (int i = 0; i < count; ++i)
+            contacts.push_back(person("Number", std::to_string(i)));
+        return contacts;
+    }
+};
 
 TEST_F(PickerList, HoldsThousands)
 {
     boot(options("15.4", Json::object(), Json::array()));
-    Json many = Json::array();
-    for (int i = 0; i < 3000; ++i)
-        many.push_back(person("Number", std::to_string(i)));
-    ASSERT_TRUE(phone().setAddressBook(many));
-    for (UIView const view : visibleViews())
-        if (view.isDescendantOfView(phone().strip())
-            && view.send<"isKindOfClass:", BOOL>(objc::cls<"UIControl">())) {
-            touch(view);
-            break;
-        }
-    wait();
+    openPicker(many(3000));
 
     EXPECT_TRUE(pickerRow("Number 3"));
     EXPECT_FALSE(pickerRow("Number 2999"));
     phone().drag({ 195, 700 }, { 195, 200 }, 0.1);
     wait(3);
     EXPECT_FALSE(pickerRow("Number 0"));
+}
+
+// A finger that had rested on a name picked it, and the list stood still.
+TEST_F(PickerList, ScrollsUnderAFingerThatHasRestedOnAName)
+{
+    boot(options("15.4", Json::object(), Json::array()));
+    openPicker(many(40));
+
+    phone().touchDown({ 195, 700 });
+    wait(0.5);
+    for (double y = 700; y >= 200; y -= 25) {
+        phone().touchMove({ 195, y });
+        wait(1.0 / 60);
+    }
+    phone().touchUp({ 195, 200 });
+    wait(3);
+    EXPECT_FALSE(pickerRow("Number 0"));
+
+    pick({});
+    EXPECT_TRUE(written().empty());
 }
 
 }
