@@ -3,11 +3,14 @@
 #include "phone/automation/console/console_commands.hpp"
 
 #include <editline/readline.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,6 +27,60 @@ constexpr int kHistoryLines = 1000;
 // The line editor asks a plain function for completions.
 Console* g_console = nullptr;
 std::vector<std::string> g_completions;   // the reading thread's
+
+// The terminal as it was before lines were edited, and what signals did.
+termios g_terminal {};
+struct sigaction g_before[NSIG] { };
+
+// The terminal is given back, and the signal does what it did before: it ends the process, or closes the window.
+void endOn(int signal)
+{
+    int const error = errno;
+    tcsetattr(STDIN_FILENO, TCSANOW, &g_terminal);
+    struct sigaction const& before = g_before[signal];
+    if (before.sa_handler == SIG_DFL) {
+        sigaction(signal, &before, nullptr);
+        raise(signal);
+    } else if (before.sa_handler != SIG_IGN) {
+        before.sa_handler(signal);
+    }
+    errno = error;
+}
+
+// Stands still until it is told to go on.
+void restOn(int)
+{
+    int const error = errno;
+    termios edited {};
+    tcgetattr(STDIN_FILENO, &edited);
+    tcsetattr(STDIN_FILENO, TCSANOW, &g_terminal);
+    kill(getpid(), SIGSTOP);
+    tcsetattr(STDIN_FILENO, TCSANOW, &edited);
+    errno = error;
+}
+
+// The line editor's own way would send each signal to all processes of the terminal's job, whoever they are.
+void handleSignals()
+{
+    rl_catch_signals = 0;
+    tcgetattr(STDIN_FILENO, &g_terminal);
+    struct sigaction action { };
+    sigfillset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    action.sa_handler = endOn;
+    for (int const signal : { SIGHUP, SIGINT, SIGQUIT, SIGTERM })
+        sigaction(signal, &action, &g_before[signal]);
+    action.sa_handler = restOn;
+    sigaction(SIGTSTP, &action, nullptr);
+}
+
+// Tells the line editor how wide the terminal is now.
+void measureTerminal()
+{
+    winsize size {};
+    if (ioctl(STDIN_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0)
+        rl_set_screen_size(size.ws_row, size.ws_col);
+}
 
 // In the user's folder for state; none where there is no home.
 std::string historyFile()
@@ -61,6 +118,8 @@ Console::Console(BootOptions const& options)
     , m_isTerminal(isatty(STDIN_FILENO) && isatty(STDOUT_FILENO))
 {
     g_console = this;
+    if (m_isTerminal)
+        handleSignals();
     // It may be waiting for a line when the process ends: nobody waits for it then.
     std::thread([this] { readAll(); }).detach();
 }
@@ -183,6 +242,7 @@ void Console::readTerminal()
     rl_completer_word_break_characters = breaks;
     rl_attempted_completion_function = &Console::complete;
     std::string last;
+    measureTerminal();
     while (char* const typed = readline(kPrompt)) {
         std::string const line = trimmed(typed);
         std::free(typed);
@@ -196,6 +256,7 @@ void Console::readTerminal()
         }
         if (!runLine(line))
             return;
+        measureTerminal();
     }
     std::putchar('\n');
 }

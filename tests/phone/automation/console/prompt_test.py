@@ -9,6 +9,7 @@ import os
 import pathlib
 import pty
 import select
+import signal
 import subprocess
 import sys
 import tempfile
@@ -63,6 +64,32 @@ class Prompt(unittest.TestCase):
         self.assertIn("setBlurrEffectColorNonLS:", history.read_text(encoding="utf-8"))
         self.assertEqual(history.stat().st_mode & 0o777, 0o600)
         self.assertIn("setBlurrEffectColorNonLS:", self.on_terminal(b"\x1b[A\r", b"null"))   # the line before
+
+    def test_a_signal_ends_the_phone_alone_and_gives_the_terminal_back(self):
+        try:
+            ours, theirs = pty.openpty()
+        except OSError as error:
+            self.skipTest(f"no terminal can be made here: {error}")
+        before = termios.tcgetattr(theirs)
+        # Another process of the same job: whatever the phone's end does to it, it must not end with it.
+        neighbour = subprocess.Popen(["sleep", "600"], process_group=0)
+        phone = subprocess.Popen(self.command, stdin=theirs, stdout=theirs, stderr=theirs, env=self.environment,
+                                 process_group=neighbour.pid)
+        try:
+            deadline = time.monotonic() + 60
+            while termios.tcgetattr(theirs)[3] & termios.ICANON and time.monotonic() < deadline:
+                time.sleep(0.01)
+            self.assertNotEqual(termios.tcgetattr(theirs)[:4], before[:4])
+            phone.terminate()
+            self.assertEqual(phone.wait(60), -signal.SIGTERM)
+            self.assertEqual(termios.tcgetattr(theirs)[:4], before[:4])
+            self.assertIsNone(neighbour.poll())
+        finally:
+            for process in (phone, neighbour):
+                process.kill()
+                process.wait()
+            os.close(ours)
+            os.close(theirs)
 
     def on_terminal(self, typed, awaited):
         """What the terminal shows until the answer is there; the phone has then ended by Control-D."""
