@@ -134,9 +134,18 @@ CGPoint MobileScripts::directionOf(std::string const& name)
     return { name == "left" ? -1.0 : 1.0, 0 };
 }
 
-void MobileScripts::dragAcross(CGRect rect, CGPoint direction, double part, double seconds, double rest)
+Answer<CGRect> MobileScripts::shownPart(Answer<CGRect> const& rect)
 {
-    CGRect const shown = intersection(rect, screenBounds());
+    if (!rect)
+        return rect.error();
+    CGRect const shown = intersection(*rect, screenBounds());
+    if (!(shown.size.width > 0 && shown.size.height > 0))
+        return CommandError { ErrorCode::elementNotInteractable, "nothing of the element is on the screen" };
+    return shown;
+}
+
+void MobileScripts::dragAcross(CGRect shown, CGPoint direction, double part, double seconds, double rest)
+{
     CGPoint const middle = center(shown);
     CGPoint const half { direction.x * shown.size.width * part / 2,
         direction.y * shown.size.height * part / 2 };
@@ -152,7 +161,7 @@ Answer<Json> MobileScripts::swipe()
     auto const element = elementId();
     if (!m_in.isGood())
         return m_in.error();
-    auto const rect = area(element);
+    auto const rect = shownPart(area(element));
     if (!rect)
         return rect.error();
     constexpr double kPart = 0.7;
@@ -180,7 +189,7 @@ Answer<Json> MobileScripts::scroll()
     if (!m_in.isGood())
         return m_in.error();
     if (direction) {
-        auto const rect = area(element);
+        auto const rect = shownPart(area(element));
         if (!rect)
             return rect.error();
         // What lies further down comes into view by a finger that goes up; slowly, and at rest at the end.

@@ -112,11 +112,13 @@ Answer<Json> MobileScripts::activeAppInfo()
 
 std::string MobileScripts::bundleId()
 {
-    Json const* const byOldName = m_in.optionalAny("appId");
-    if (byOldName && byOldName->is_string())
-        return byOldName->get<std::string>();
-    std::string const bundle = m_in.text("bundleId");
-    if (bundle.empty())
+    // Some clients send it by Android's name, or by both.
+    auto const byOldName = m_in.optionalText("appId");
+    auto const byName = m_in.optionalText("bundleId");
+    std::string const bundle = byName ? *byName : byOldName.value_or("");
+    if (!byName && !byOldName)
+        m_in.refuse("`bundleId` is missing");
+    else if (bundle.empty())
         m_in.refuse("`bundleId` is not empty");
     return bundle;
 }
@@ -336,6 +338,14 @@ std::vector<MobileScripts::Row> const& MobileScripts::rows()
         { "setPermission", &MobileScripts::unsupported },
     };
     return all;
+}
+
+std::vector<std::string> MobileScripts::names()
+{
+    std::vector<std::string> names;
+    for (Row const& row : rows())
+        names.emplace_back(row.name);
+    return names;
 }
 
 }

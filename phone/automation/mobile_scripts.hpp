@@ -17,6 +17,7 @@ public:
     MobileScripts(
         PhoneCommands& commands, std::string const& name, Json const& arguments, Json const& settings);
     Answer<Json> run();
+    static std::vector<std::string> names();   // as they follow `mobile: `
 
 private:
     static constexpr double kLongestPress = 600;   // seconds
@@ -52,8 +53,10 @@ private:
     Answer<Json> tapAt(
         std::optional<double> x, std::optional<double> y, double seconds, long long taps, long long touches);
     static CGPoint directionOf(std::string const& name);
+    // Of the rectangle what is on the screen, for a finger; an error when nothing is.
+    static Answer<CGRect> shownPart(Answer<CGRect> const& rect);
     // From one side of the middle of the rectangle to the other; `part` of it lies between.
-    void dragAcross(CGRect rect, CGPoint direction, double part, double seconds, double rest);
+    void dragAcross(CGRect shown, CGPoint direction, double part, double seconds, double rest);
     Answer<Json> swipe();
     Answer<Json> scroll();
     Answer<Json> scrollToFound(

@@ -20,7 +20,8 @@ namespace phone {
 namespace {
 
 constexpr double kTapSeconds = 0.05;
-constexpr double kSearchStep = 0.1;       // seconds between two looks while a search waits
+constexpr double kSearchStep = 0.1;     // seconds between two looks while a search waits
+constexpr double kLongestWait = 3600;   // seconds that a search waits at most, whatever the session's timeout
 constexpr double kLongestAnimation = 2;   // seconds that a tap waits for a view that moves to take touches
 
 // The text under a key of the body, or `invalid argument`.
@@ -148,6 +149,7 @@ Answer<std::vector<objc::handle>> PhoneCommands::search(PhoneCommand const& comm
     auto const locator = Locator::make(*strategy, *value);
     if (!locator)
         return locator.error();
+    double const patience = std::min(command.implicitSeconds, kLongestWait);
     double waited = 0;
     while (true) {
         ElementTree const tree = takeSnapshot();
@@ -168,7 +170,7 @@ Answer<std::vector<objc::handle>> PhoneCommands::search(PhoneCommand const& comm
         }
         if (!objects.empty())
             return objects;
-        if (waited >= command.implicitSeconds) {
+        if (waited >= patience) {
             if (wantsOne)
                 return CommandError { ErrorCode::noSuchElement, "no element with " + locator->description() };
             return objects;
@@ -176,10 +178,10 @@ Answer<std::vector<objc::handle>> PhoneCommands::search(PhoneCommand const& comm
         // Nothing new can be found on a screen that has not changed.
         std::uint64_t const seen = displayRevision();
         do {
-            double const step = std::min(kSearchStep, command.implicitSeconds - waited);
+            double const step = std::min(kSearchStep, patience - waited);
             m_passTime(step);
             waited += step;
-        } while (displayRevision() == seen && waited < command.implicitSeconds);
+        } while (displayRevision() == seen && waited < patience);
     }
 }
 

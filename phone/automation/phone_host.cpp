@@ -25,9 +25,10 @@ std::optional<Json> bootArgumentsOf(PhoneCommand const& command)
     if (script != "phone: boot" && script != "phone:boot")
         return {};
     Json const arguments = command.parameters.value("args", Json::array());
-    if (arguments.is_array() && arguments.size() == 1 && arguments[0].is_object())
-        return arguments[0];
-    return Json::object();
+    if (!arguments.is_array() || arguments.size() > 1)
+        return {};
+    Json const one = arguments.empty() || arguments[0].is_null() ? Json::object() : arguments[0];
+    return one.is_object() ? std::optional(one) : std::nullopt;
 }
 
 }

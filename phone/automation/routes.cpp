@@ -181,10 +181,17 @@ Answer<Route> routeOf(std::string_view verb, std::string_view target)
 
 Json routeTable()
 {
-    Json table = Json::array();
-    for (Row const& row : kRows)
-        table.push_back(
-            Json::object({ { "method", row.verb }, { "path", row.path }, { "command", row.command } }));
+    Json table = Json::object();
+    for (Row const& row : kRows) {
+        std::string path;
+        for (std::string_view const each : segmentsOf(row.path))
+            path += "/"
+                + (each == ":s"        ? ":sessionId"
+                        : each == ":e" ? ":elementId"
+                        : each == ":a" ? ":name"
+                                       : std::string(each));
+        table[path][row.verb] = Json::object({ { "command", row.command } });
+    }
     return table;
 }
 

@@ -20,7 +20,7 @@ struct Route {
 // command` for a path that is no one's, `unknown method` for another verb on one that is.
 Answer<Route> routeOf(std::string_view verb, std::string_view target);
 
-// [{"method", "path", "command"}], for `GET appium/commands`.
+// {"/session/:sessionId/…": {"VERB": {"command"}}}, for `GET appium/commands`.
 Json routeTable();
 
 }

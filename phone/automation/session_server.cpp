@@ -1,5 +1,7 @@
 #include "phone/automation/session_server.hpp"
 
+#include "phone/automation/mobile_scripts.hpp"
+
 #include <sys/random.h>
 
 #include <array>
@@ -167,8 +169,14 @@ Answer<Json> SessionServer::runForSession(Route const& route, Json const& parame
         return Json();
     }
     if (command == "appiumCommands")
-        return Json::object({ { "rest", Json::object({ { "base", routeTable() } }) } });
-    return Json::object();   // appiumExtensions
+        return Json::object(
+            { { "rest", Json::object({ { "base", routeTable() }, { "driver", Json::object() } }) } });
+    Json scripts = Json::object();   // appiumExtensions
+    for (std::string const& name : MobileScripts::names())
+        scripts["mobile: " + name] = Json::object({ { "command", name } });
+    for (std::string const& name : phoneScriptNames())
+        scripts["phone: " + name] = Json::object({ { "command", name } });
+    return Json::object({ { "rest", Json::object({ { "driver", std::move(scripts) } }) } });
 }
 
 Answer<Json> SessionServer::setSettings(Json const& parameters, Session& session)

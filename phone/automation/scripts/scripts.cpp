@@ -21,6 +21,7 @@ namespace {
 
 using In = ScriptArguments;
 
+constexpr double kLongestAdvance = 1e9;   // seconds, some thirty years: minutes of real time
 constexpr long long kMost = std::numeric_limits<std::int32_t>::max();
 
 // What the phone itself refuses, as an argument that is wrong.
@@ -71,8 +72,8 @@ ScriptResult record(In& in, Json const&, ScriptContext&)
 ScriptResult advance(In& in, Json const&, ScriptContext&)
 {
     double const seconds = in.number("seconds");
-    if (!(seconds >= 0))
-        in.refuse("`seconds` is 0 or more");
+    if (!(seconds >= 0 && seconds <= kLongestAdvance))
+        in.refuse("`seconds` is 0 or more, up to 1000000000");
     if (!in.isGood())
         return in.error();
     return done(phone().advance(seconds));

@@ -1,5 +1,4 @@
 // What a WebDriver client does with a phone, request by request.
-#include "phone/automation/actions.hpp"
 #include "phone/kernel/base64.hpp"
 #include "tests/phone/automation/web_driver_fixture.hpp"
 
@@ -243,6 +242,15 @@ TEST_F(WebDriver, RunsAppsAndOpensLinks)
     EXPECT_EQ(script("mobile: queryAppState", notes).value(), 3);
     EXPECT_EQ(script("mobile: terminateApp", notes).value(), true);
     EXPECT_EQ(script("mobile: terminateApp", notes).value(), false);
+    // By the name that Android gives it, and by both, as a client sends it.
+    Json both = notes;
+    both["appId"] = notes["bundleId"];
+    EXPECT_EQ(script("mobile: activateApp", both).status, 200);
+    EXPECT_EQ(script("mobile: queryAppState", both).value(), 4);
+    EXPECT_EQ(post("/appium/device/app_state", Json::object({ { "appId", notes["bundleId"] } })).value(), 4);
+    EXPECT_EQ(script("mobile: terminateApp", both).value(), true);
+    EXPECT_EQ(script("mobile: queryAppState").error(), "invalid argument");
+    EXPECT_EQ(script("mobile: queryAppState", Json::object({ { "appId", 5 } })).error(), "invalid argument");
     std::size_t const before = kinds().size();
     EXPECT_EQ(script("mobile: deepLink", Json::object({ { "url", "tel:5550100" } })).status, 200);
     EXPECT_THAT(kinds(before), testing::Contains("openURL"));
@@ -364,6 +372,34 @@ TEST_F(WebDriver, MovesFingersAtTheDisplaysRate)
         200);
 }
 
+TEST_F(WebDriver, SwipesOverWhatIsOnTheScreenAlone)
+{
+    start();
+    std::string const anna = element("accessibility id", "Anna");
+    Json const away = Json::parse(R"({"transform": [1, 0, 0, 1, 2000, 0]})");
+    script("phone: send",
+        Json::object({ { "target", "strip" }, { "selector", "setTransform:" },
+            { "arguments", Json::array({ away }) } }));
+    EXPECT_GT(ofElement(anna, "rect").value()["x"], 390);
+    for (char const* const name : { "mobile: swipe", "mobile: scroll" })
+        EXPECT_EQ(script(name, Json::object({ { "direction", "left" }, { "elementId", anna } })).error(),
+            "element not interactable")
+            << name;
+}
+
+TEST_F(WebDriver, EndsASearchThatWouldTakeForEver)
+{
+    start();
+    std::string expression = "//*";
+    for (int i = 0; i < 9; ++i)
+        expression = "//*[count(" + expression + ") > 1]";
+    auto const reply = find("xpath", expression);
+    EXPECT_EQ(reply.status, 500);
+    EXPECT_EQ(reply.error(), "timeout");
+    EXPECT_NE(
+        element("xpath", "//XCUIElementTypeStaticText[@name='Anna'][ancestor::XCUIElementTypeCell]"), "");
+}
+
 TEST_F(WebDriver, WaitsForElementsOnThePhonesClock)
 {
     start();
@@ -385,6 +421,9 @@ TEST_F(WebDriver, GoesOnWithoutAPhoneThatDied)
     EXPECT_THAT(reply.body, HasSubstr("signal 9"));
     EXPECT_EQ(get("/source").error(), "unknown error");
     EXPECT_EQ(get("/timeouts").status, 200);
+    EXPECT_EQ(post("/execute/sync", Json::parse(R"({"script": "phone: boot", "args": [5]})")).error(),
+        "unknown error");
+    EXPECT_EQ(script("phone: boot", Json::parse(R"({"moon": 1})")).error(), "invalid argument");
     EXPECT_EQ(script("phone: boot").value(), nullptr);
     EXPECT_EQ(get("/source").status, 200);
 }

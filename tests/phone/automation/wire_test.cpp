@@ -366,7 +366,11 @@ TEST_F(Sessions, AnswerWhatNeedsNoPhone)
     EXPECT_EQ(value("/appium/contexts"), Json::array({ "NATIVE_APP" }));
     EXPECT_EQ(value("/window/handles"), Json::array({ "1" }));
     EXPECT_EQ(value("/appium/capabilities")["capabilities"]["platformName"], "iOS");
-    EXPECT_TRUE(value("/appium/commands").is_object());
+    EXPECT_EQ(value("/appium/commands")["rest"]["base"]["/session/:sessionId/element/:elementId/click"]
+                                       ["POST"]["command"],
+        "elementClick");
+    Json const scripts = value("/appium/extensions")["rest"]["driver"];
+    EXPECT_TRUE(scripts.contains("mobile: lock") && scripts.contains("phone: boot")) << scripts;
     EXPECT_TRUE(value("/appium/settings").is_object());
     EXPECT_EQ(ask("POST", session + "/context", R"({"name": "NATIVE_APP"})").status, 200);
     EXPECT_EQ(errorIn(ask("POST", session + "/context", R"({"name": "WEBVIEW_1"})")), "no such window");

@@ -49,6 +49,7 @@ constexpr Wrong kWrong[] {
     { "advance", R"({})", "`seconds` is missing" },
     { "advance", R"({"seconds":"1"})", "`seconds`" },
     { "advance", R"({"seconds":-1})", "`seconds`" },
+    { "advance", R"({"seconds":1e10})", "`seconds`" },
     { "settings", R"({"set":[1]})", "`set`" },
     { "settings", R"({"set":{"key":null}})", "`set`.key" },
     { "settings", R"({"remove":"key"})", "`remove`" },
