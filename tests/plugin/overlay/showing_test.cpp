@@ -6,6 +6,8 @@
 
 #include "phone/springboard/substrate.hpp"
 
+#include <algorithm>
+
 namespace phone {
 
 namespace {
@@ -207,6 +209,38 @@ TEST_F(OverlayShowing, TakesAlphaAndColourFromTheSettingsEachTime)
         EXPECT_EQ(card().alpha(), row.shown);
         EXPECT_EQ(card().backgroundColor().rgba(), (graphics::Color { 0, 1, 0, 0.1 }));
     }
+}
+
+// One number alone means that none is set.
+TEST_F(OverlayShowing, TakesEveryOtherAlphaAsItIs)
+{
+    boot(options("15.4", { { "viewAlphaLS", -0.5 } }));
+    listen();
+    std::size_t const before = phone().trace().count();
+    gesture();
+
+    Lines const lines = story(before);
+    EXPECT_EQ(std::ranges::count(lines, "setBlurrEffectAlphaNonLS: -0.5"), 1)
+        << testing::PrintToString(lines);
+}
+
+// Nothing has turned the strip; it comes in across the middle of the edge all the same.
+TEST_F(OverlayShowing, ComesInAsThePhoneLiesThoughNobodyToldOfTheTurn)
+{
+    boot(options("15.4"));
+    summon();
+    UIView const strip = phone().overlay();
+    gesture();
+    wait(1);
+    turn(3, { .screenChanged = false, .windowRotated = false });
+    summon();
+    EXPECT_EQ(strip.frame(), CGRectMake(390 - 98, 844 / 2.0 - 44, 222, 88));
+
+    gesture();
+    wait(1);
+    turn(1, { .screenChanged = false, .windowRotated = false });
+    summon();
+    EXPECT_EQ(strip.frame(), CGRectMake(390 / 2.0 - 111, 40, 222, 88));
 }
 
 TEST_F(OverlayShowing, HasACardWhateverTheStyle)
