@@ -77,6 +77,10 @@ constexpr Row kRows[] {
     { "POST", "session/:s/appium/device/activate_app", "mobile: activateApp", By::phone },
     { "POST", "session/:s/appium/device/terminate_app", "mobile: terminateApp", By::phone },
     { "POST", "session/:s/appium/device/app_state", "mobile: queryAppState", By::phone },
+    { "GET", "session/:s/appium/device/system_time", "mobile: getDeviceTime", By::phone },
+    { "POST", "session/:s/appium/device/system_time", "mobile: getDeviceTime", By::phone },
+    { "POST", "session/:s/appium/device/push_file", "mobile: pushFile", By::phone },
+    { "POST", "session/:s/appium/device/pull_file", "mobile: pullFile", By::phone },
 };
 
 // The rest of the standard: there, for pages that a phone doesn't have.

@@ -208,10 +208,19 @@ Answer<Json> SessionServer::runOnPhone(Route const& route, Json const& parameter
     command.element = route.element;
     command.argument = route.argument;
     if (route.command.starts_with("mobile: ")) {
-        // An old path for what is a script now.
+        // An old path for what is a script now; files had other names there.
+        Json arguments = parameters;
+        if (route.command.ends_with("File")) {
+            for (auto const& [old, name] :
+                { std::pair { "path", "remotePath" }, std::pair { "data", "payload" } })
+                if (arguments.contains(old) && !arguments.contains(name)) {
+                    arguments[name] = std::move(arguments[old]);
+                    arguments.erase(old);
+                }
+        }
         command.name = "executeScript";
         command.parameters =
-            Json::object({ { "script", route.command }, { "args", Json::array({ parameters }) } });
+            Json::object({ { "script", route.command }, { "args", Json::array({ std::move(arguments) }) } });
     } else {
         command.name = route.command;
         command.parameters = parameters;

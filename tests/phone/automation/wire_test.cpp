@@ -340,7 +340,9 @@ TEST_F(Sessions, HandCommandsToThePhone)
         R"({"settings": {"pageSourceExcludedAttributes": "x", "other": 1}})");
     ask("POST", "/session/" + id + "/element/E/elements", R"({"using": "xpath", "value": "//*", "more": 1})");
     ask("POST", "/session/" + id + "/appium/device/lock", R"({"seconds": 0})");
-    ASSERT_EQ(m_asked.size(), 2u);
+    ask("POST", "/session/" + id + "/appium/device/push_file", R"({"path": "/x", "data": "AAAA"})");
+    ask("GET", "/session/" + id + "/appium/device/system_time");
+    ASSERT_EQ(m_asked.size(), 4u);
     EXPECT_EQ(m_asked[0].name, "findElements");
     EXPECT_EQ(m_asked[0].element, "E");
     EXPECT_EQ(m_asked[0].parameters["using"], "xpath");
@@ -348,6 +350,9 @@ TEST_F(Sessions, HandCommandsToThePhone)
     EXPECT_EQ(m_asked[0].settings["pageSourceExcludedAttributes"], "x");
     EXPECT_EQ(m_asked[1].name, "executeScript");
     EXPECT_EQ(m_asked[1].parameters, Json::parse(R"({"script": "mobile: lock", "args": [{"seconds": 0}]})"));
+    EXPECT_EQ(m_asked[2].parameters,
+        Json::parse(R"({"script": "mobile: pushFile", "args": [{"remotePath": "/x", "payload": "AAAA"}]})"));
+    EXPECT_EQ(m_asked[3].parameters, Json::parse(R"({"script": "mobile: getDeviceTime", "args": [{}]})"));
     auto const answer = ask("POST", "/session/" + id + "/element/E/click", "{}");
     EXPECT_EQ(answer.status, 404);
     EXPECT_EQ(answer.body,
