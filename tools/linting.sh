@@ -49,7 +49,7 @@ lintCppcheck()
     ((${#sources[@]})) || return 0
     # Headers of packages are not looked for: cppcheck is made to do without. What it calls style is
     # clang-tidy's business here.
-    (cd -- "$root" && cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability \
+    (cd -- "$root" && cppcheck --quiet --std=c++20 --language=c++ --library=googletest --enable=warning,performance,portability \
         --inline-suppr --suppressions-list=tools/cppcheck_suppressions.txt --error-exitcode=1 \
         -j "$jobs" -I . "${sources[@]}") < /dev/null 2>&1 | follow lint || {
         cat -- "$g_log"

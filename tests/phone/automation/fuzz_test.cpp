@@ -42,7 +42,7 @@ public:
             case 5: text.resize(at); break;
             default: {
                 std::string const& other = seeds[below(seeds.size())];
-                text = text.substr(0, at) + other.substr(below(other.size() + 1));
+                text.replace(at, text.npos, other.substr(below(other.size() + 1)));
                 break;
             }
             }

@@ -10,11 +10,10 @@ struct Start {
         char name[] = "killall";
         char argument[] = "backboardd";
         char* arguments[] = { name, argument, nullptr };
-        pid = 0;
         result = posix_spawn(&pid, path, nullptr, nullptr, arguments, nullptr);
     }
-    pid_t pid;
-    int result;
+    pid_t pid = 0;
+    int result = -1;
 };
 
 Start g_start;

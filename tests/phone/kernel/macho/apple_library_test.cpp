@@ -81,7 +81,7 @@ protected:
     objc::ref<Host> host;
     objc::ref<Probe> probe;
 };
-INSTANTIATE_TEST_SUITE_P(, AppleLibraryOf,
+INSTANTIATE_TEST_SUITE_P(Slices, AppleLibraryOf,
     testing::Values(MachOArchitecture::arm64, MachOArchitecture::arm64e),
     [](auto const& info) { return info.param == MachOArchitecture::arm64e ? "arm64e" : "arm64"; });
 
@@ -183,8 +183,8 @@ TEST_P(AppleLibraryOf, IsKnownByItsAddresses)
 // What a phone's processor would stop. A signature here has 7 bits, so one wrong pointer in 128 is right by chance: eight wrong
 // ones in a row are not.
 using AuthenticatedLibrary = AppleLibraryOf;
-INSTANTIATE_TEST_SUITE_P(
-    , AuthenticatedLibrary, testing::Values(MachOArchitecture::arm64e), [](auto const&) { return "arm64e"; });
+INSTANTIATE_TEST_SUITE_P(Slices, AuthenticatedLibrary, testing::Values(MachOArchitecture::arm64e),
+    [](auto const&) { return "arm64e"; });
 
 TEST_P(AuthenticatedLibrary, MayNotAddAMethodUnsigned)
 {

@@ -148,7 +148,7 @@ Damage const kDamages[] = {
         [](Bytes& bytes, LibraryBuilder const& built) { put<U32>(bytes, built.unwindInfo + 32, 0x2000); } },
 };
 INSTANTIATE_TEST_SUITE_P(
-    , DamagedLibrary, testing::ValuesIn(kDamages), [](auto const& info) { return info.param.name; });
+    Table, DamagedLibrary, testing::ValuesIn(kDamages), [](auto const& info) { return info.param.name; });
 
 class AnyDamage : public testing::TestWithParam<MachOArchitecture> {
 protected:
@@ -167,7 +167,7 @@ protected:
         return library || !library.message().empty();
     }
 };
-INSTANTIATE_TEST_SUITE_P(, AnyDamage, testing::Values(kPlain, kChained),
+INSTANTIATE_TEST_SUITE_P(Slices, AnyDamage, testing::Values(kPlain, kChained),
     [](auto const& info) { return info.param == kChained ? "arm64e" : "arm64"; });
 
 TEST_P(AnyDamage, OfBeingCutOffIsSurvived)

@@ -10,7 +10,8 @@ class MachOImageOf : public testing::TestWithParam<MachOArchitecture> {
 protected:
     LibraryBuilder builder { .architecture = GetParam() };
 };
-INSTANTIATE_TEST_SUITE_P(, MachOImageOf, testing::Values(MachOArchitecture::arm64, MachOArchitecture::arm64e),
+INSTANTIATE_TEST_SUITE_P(Slices, MachOImageOf,
+    testing::Values(MachOArchitecture::arm64, MachOArchitecture::arm64e),
     [](auto const& info) { return info.param == MachOArchitecture::arm64e ? "arm64e" : "arm64"; });
 
 TEST_P(MachOImageOf, SaysWhereItsSegmentsGoAndWhatItLoads)
@@ -76,8 +77,7 @@ TEST_P(MachOImageOf, DescribesItsFramesInDwarf)
 
     Bytes const table = dwarfCallFrames(*image, {}, 0x100000000);
 
-    auto const at = [&]<class T>(std::size_t offset, T) {
-        T value {};
+    auto const at = [&](std::size_t offset, auto value) {
         std::memcpy(&value, table.data() + offset, sizeof value);
         return value;
     };

@@ -33,7 +33,7 @@ protected:
     Bytes file = fatFile({ LibraryBuilder { .architecture = MachOArchitecture::arm64 }.build(),
         LibraryBuilder { .architecture = MachOArchitecture::arm64e }.build() });
 };
-INSTANTIATE_TEST_SUITE_P(, MachOLibraryOf,
+INSTANTIATE_TEST_SUITE_P(Slices, MachOLibraryOf,
     testing::Values(MachOArchitecture::arm64, MachOArchitecture::arm64e),
     [](auto const& info) { return info.param == MachOArchitecture::arm64e ? "arm64e" : "arm64"; });
 
