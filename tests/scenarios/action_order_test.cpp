@@ -101,6 +101,32 @@ struct AskAsTheStripGoes {
     static inline int s_app = -1;   // none, or once asked
 };
 
+// To whom a composer writes: a list of their own, which may be changed.
+struct SetRecipients {
+    static inline objc::original<void(objc::handle, SEL, objc::handle)> original;
+    static void replacement(objc::handle self, SEL cmd, objc::handle recipients)
+    {
+        EXPECT_TRUE(objc::cast<NSMutableArray>(recipients));
+        EXPECT_EQ((recipients.send<"count", NSUInteger>()), 1u);
+        ++s_calls;
+        original(self, cmd, recipients);
+    }
+    static inline int s_calls = 0;
+};
+
+// Sends the strip a message when it first presents something.
+struct AskAsItPresents {
+    static inline objc::original<void(objc::handle, SEL, objc::handle, BOOL, objc::handle)> original;
+    static void replacement(
+        objc::handle self, SEL cmd, objc::handle presented, BOOL animated, objc::handle completion)
+    {
+        if (auto const ask = std::exchange(s_ask, nullptr))
+            ask(phone().strip());
+        original(self, cmd, presented, animated, completion);
+    }
+    static inline void (*s_ask)(UIView strip) = nullptr;
+};
+
 template <class Hook>
 void install(char const* className, SEL selector)
 {
@@ -319,6 +345,33 @@ TEST_F(ActionOrder, OfAMailThatCannotBeSentLeavesTheStrip)
     bootPhone(7, true);
     ASSERT_TRUE(phone().setAvailable("mail", false));
     EXPECT_EQ(tapped(), kTapped + Effects({ "canSend MFMailComposeViewControllerCVL no" }));
+}
+
+TEST_F(ActionOrder, OfATextForgetsTheNumberWhenTheComposerIsPresented)
+{
+    bootPhone(5, true);
+    install<SetRecipients>("MFMessageComposeViewController", objc::selector<"setRecipients:">());
+    install<AskAsItPresents>(
+        "UIViewController", objc::selector<"presentViewController:animated:completion:">());
+    AskAsItPresents::s_ask = [](UIView strip) { strip.send<"callUsingSiri:">(std::int32_t(0)); };
+
+    EXPECT_EQ(only(tapped(), { "siri" }), Effects { "siri call +44 20 7946-0958 in whatsapp" });
+    EXPECT_EQ(SetRecipients::s_calls, 1);
+}
+
+TEST_F(ActionOrder, OfAMailForgetsTheAddressWhenTheComposerIsPresented)
+{
+    bootPhone(7, true);
+    install<SetRecipients>("MFMailComposeViewController", objc::selector<"setToRecipients:">());
+    install<AskAsItPresents>(
+        "UIViewController", objc::selector<"presentViewController:animated:completion:">());
+    AskAsItPresents::s_ask = [](UIView strip) { strip.send<"sndEmail">(); };
+
+    Effects const lines = tapped();
+    EXPECT_EQ(
+        std::ranges::count(lines, R"(MFMailComposeViewControllerCVL setToRecipients:(["anna@example.com"]))"),
+        2);
+    EXPECT_EQ(SetRecipients::s_calls, 2);
 }
 
 TEST_F(ActionOrder, HandsEveryUrlOverWithoutOptions)

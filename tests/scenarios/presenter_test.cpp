@@ -1,6 +1,7 @@
 // On what prompts and composers come up, by system version; and whom the idle timer's assertions go to.
 #include "tests/scenarios/actions.hpp"
 
+#include "phone/foundation/strings.hpp"
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/uikit/ui_color.hpp"
 
@@ -268,6 +269,34 @@ TEST_F(Composers, OfMailAreNotShownWhereTheKeyWindowHasToShowThemAndNoneIs)
     phone().strip().send<"sndEmail">();
     EXPECT_EQ(only(effects(), { "MFMailComposeViewControllerCVL" }).back(),
         R"(MFMailComposeViewControllerCVL setToRecipients:([""]))");
+}
+
+// Whom the strip belongs to is looked at each time.
+TEST_F(Composers, AndPromptsAreShownByTheControllerThatHasTheStripNow)
+{
+    boot(options("16.1", { { "singleTapAction", 5 } }));
+    EXPECT_EQ(tapped().back(), "present MFMessageComposeViewControllerCVL");
+    touch(button("Cancel"));
+    wait();
+    UIView const strip = phone().strip();
+    UIViewController const home = phone().windows().front().rootViewController();
+    home.view().addSubview(strip);
+
+    for (int i = 0; i < 2; ++i) {
+        AutoreleasePool const pool;
+        std::size_t const before = phone().trace().count();
+        if (i == 0)
+            strip.send<"msgSMS">();
+        else
+            strip.send<"callPhone">();
+        std::string presenter;
+        for (Json const& event : phone().trace().events(before))
+            if (event["kind"] == "present")
+                presenter = event["presenter"];
+        EXPECT_EQ(presenter, classNameOf(home));
+        home.presentedViewController().dismiss(false);
+        wait();
+    }
 }
 
 TEST_F(Composers, DifferFromTheSystemsInOneAnswer)
