@@ -36,10 +36,10 @@ void leaveOutTheProcess(Json& text)
     static std::regex const address("0x[0-9a-f]{5,}");
     static std::regex const handle("^object-[0-9a-z]+-");
     std::string const& described = text.get_ref<std::string const&>();
-    if (described.find("0x") != std::string::npos)
-        text = std::regex_replace(described, address, "0x");
-    else if (described.starts_with("object-"))
+    if (described.starts_with("object-"))   // first: a handle may have 0x in it
         text = std::regex_replace(described, handle, "object-");
+    else if (described.find("0x") != std::string::npos)
+        text = std::regex_replace(described, address, "0x");
 }
 
 void makeComparable(Json& value)
