@@ -24,6 +24,7 @@ using Time = std::chrono::steady_clock;
 constexpr std::size_t kMaxHead = 64 * 1024;   // request line and all headers
 constexpr std::size_t kMaxBody = 16 * 1024 * 1024;
 constexpr std::size_t kMaxConnections = 64;
+constexpr double kCrowdedSeconds = 2;     // that a request may pause while others wait for a thread
 constexpr int kSliceMilliseconds = 100;   // after which a thread that waits looks whether it should go on
 constexpr char kJson[] = "application/json; charset=utf-8";
 
@@ -32,18 +33,28 @@ Time::time_point after(double seconds)
     return Time::now() + std::chrono::duration_cast<Time::duration>(std::chrono::duration<double>(seconds));
 }
 
+// The request that this thread serves.
+struct Exchange {
+    bool closes { false };       // after the answer
+    bool isServed { false };     // the library has read the body whole, and asked the handler
+    bool isTooLarge { false };   // chunks went on beyond what a body may have
+};
+thread_local Exchange t_exchange;
+
 // A connection's bytes. It knows how long a request may take and where its body ends: the library would read a body without a
 // length until the connection closes, and would take what is left of one for the next request.
 class SocketStream final : public httplib::Stream {
 public:
-    SocketStream(int descriptor, std::atomic<bool> const& isStopping)
+    // `isCrowded`: do others wait for this thread?
+    SocketStream(int descriptor, std::atomic<bool> const& isStopping, std::function<bool()> isCrowded)
         : m_descriptor(descriptor)
         , m_isStopping(isStopping)
+        , m_isCrowded(std::move(isCrowded))
     {
     }
 
     // Is there the beginning of a request? False when the connection has ended, or rested too long.
-    bool waitForRequest(double seconds, std::function<bool()> const& isCrowded)
+    bool waitForRequest(double seconds)
     {
         if (m_begin < m_end)
             return true;
@@ -51,7 +62,7 @@ public:
         while (Time::now() < m_deadline && !m_isStopping) {
             if (poll(POLLIN, kSliceMilliseconds))
                 return fill();
-            if (isCrowded())
+            if (m_isCrowded())
                 return false;
         }
         return false;
@@ -64,12 +75,12 @@ public:
         m_isBodyChunked = false;
         m_hasHead = false;
     }
-    // The headers are there: `length` bytes of body follow, or chunks.
+    // The headers are there: `length` bytes of body follow, or chunks, which have the most of a body with all that frames them.
     void beginBody(std::size_t length, bool isChunked)
     {
         m_hasHead = true;
         m_isBodyChunked = isChunked;
-        m_allowance = length;
+        m_allowance = isChunked ? kMaxBody : length;
     }
     // All of the request was read; of chunks their reader has to say so.
     bool isAtEnd(bool isChunkEnd) const
@@ -82,13 +93,14 @@ public:
 
     ssize_t read(char* bytes, std::size_t size) override
     {
-        if (!m_isBodyChunked) {
-            size = std::min(size, m_allowance);
-            if (size == 0)
-                return m_hasHead ? 0 : -1;   // a body is over; a head is too long
+        size = std::min(size, m_allowance);
+        if (size == 0) {
+            t_exchange.isTooLarge = m_isBodyChunked;
+            return m_hasHead && !m_isBodyChunked ? 0 : -1;   // a body is over; a head or chunks are too long
         }
+        auto const pause = std::min(m_deadline, after(kCrowdedSeconds));
         while (m_begin == m_end) {
-            if (Time::now() >= m_deadline || m_isStopping)
+            if (Time::now() >= m_deadline || m_isStopping || (Time::now() >= pause && m_isCrowded()))
                 return -1;
             if (poll(POLLIN, kSliceMilliseconds) && !fill())
                 return -1;
@@ -96,8 +108,7 @@ public:
         std::size_t const count = std::min(size, m_end - m_begin);
         std::memcpy(bytes, m_buffer + m_begin, count);
         m_begin += count;
-        if (!m_isBodyChunked)
-            m_allowance -= count;
+        m_allowance -= count;
         return static_cast<ssize_t>(count);
     }
 
@@ -141,11 +152,12 @@ private:
 
     int m_descriptor;
     std::atomic<bool> const& m_isStopping;
+    std::function<bool()> m_isCrowded;
     Time::time_point m_deadline;
     std::size_t m_allowance { 0 };
     bool m_isBodyChunked { false };
     bool m_hasHead { false };
-    char m_buffer[16 * 1024];
+    char m_buffer[16 * 1024] {};
     std::size_t m_begin { 0 };
     std::size_t m_end { 0 };
 };
@@ -197,13 +209,6 @@ private:
     std::size_t m_free { 0 };
     bool m_isOver { false };
 };
-
-// The request that this thread serves.
-struct Exchange {
-    bool closes { false };     // after the answer
-    bool isServed { false };   // the library has read the body whole, and asked the handler
-};
-thread_local Exchange t_exchange;
 
 std::vector<std::string> valuesOf(httplib::Request const& request, char const* name)
 {
@@ -287,7 +292,12 @@ public:
             set_mount_point("/inspector", options.inspector->string());
     }
 
-    bool listenAfterBind() { return listen_after_bind(); }
+    bool listenAfterBind()
+    {
+        // The library lets five connections wait to be taken; further ones come a second later, or three.
+        ::listen(svr_sock_, kMaxConnections);
+        return listen_after_bind();
+    }
     std::size_t connectionCount() const { return m_connections; }
     void end()
     {
@@ -301,7 +311,7 @@ private:
     {
         if (!response.body.empty())
             return;
-        int const status = response.status;
+        int const status = t_exchange.isTooLarge ? 413 : response.status;
         CommandError error { ErrorCode::unknownCommand, "no such path" };
         if (status == 413)
             error = { ErrorCode::payloadTooLarge, "a body has at most 16 MiB" };
@@ -351,10 +361,9 @@ private:
     {
         ++m_connections;
         {
-            SocketStream stream(socket, m_isStopping);
             // When others wait for a thread, a connection that rests makes room.
-            auto const isCrowded = [this] { return m_connections >= kMaxConnections; };
-            while (stream.waitForRequest(m_options.idleSeconds, isCrowded)) {
+            SocketStream stream(socket, m_isStopping, [this] { return m_connections >= kMaxConnections; });
+            while (stream.waitForRequest(m_options.idleSeconds)) {
                 stream.beginRequest(m_options.requestSeconds);
                 t_exchange = {};
                 bool isClosed = false;

@@ -108,6 +108,14 @@ TEST_F(WebDriver, LimitsWhatItReads)
                   + "Content-Type: application/json\r\nContent-Length: 17825792\r\n\r\n"
                   + std::string(17 * 1024 * 1024, ' ')),
         413);
+    std::string const chunk = "100000\r\n" + std::string(1 << 20, ' ') + "\r\n";
+    std::string chunks;
+    for (int i = 0; i < 17; ++i)
+        chunks += chunk;
+    EXPECT_EQ(
+        statusOf("POST /session HTTP/1.1\r\n" + host
+            + "Content-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n" + chunks + "0\r\n\r\n"),
+        413);
     EXPECT_EQ(statusOf("GET /" + std::string(20'000, 'a') + " HTTP/1.1\r\n" + host + "\r\n") / 100, 4);
     EXPECT_NE(
         statusOf("GET /status HTTP/1.1\r\n" + host + "X: " + std::string(20'000, 'a') + "\r\n\r\n"), 200);
@@ -160,6 +168,20 @@ TEST_F(WebDriver, AnswersManyConnectionsAtOnce)
     EXPECT_EQ(m_client->ask("GET", "/status").status == 200
             || HttpClient(m_server->port()).ask("GET", "/status").status == 200,
         true);
+}
+
+TEST_F(WebDriver, GivesAThreadThatWaitsForItsRequestToOthers)
+{
+    serve();
+    std::vector<std::unique_ptr<HttpClient>> slow;
+    for (int i = 0; i < 80; ++i) {
+        slow.push_back(std::make_unique<HttpClient>(m_server->port()));
+        slow.back()->send("GET /status HTTP/1.1\r\nHost:");
+    }
+    auto const began = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_client->ask("GET", "/status").status, 200);
+    EXPECT_LT(
+        std::chrono::steady_clock::now() - began, std::chrono::seconds(15));   // of the thirty that each has
 }
 
 TEST_F(WebDriver, LeavesNothingOfTenThousandSessions)
