@@ -7,6 +7,7 @@
 #include "phone/uikit/ui_alert_controller.hpp"
 #include "phone/uikit/ui_button.hpp"
 #include "phone/uikit/ui_label.hpp"
+#include "tests/scenarios/story_pictures.hpp"
 #include "tests/support/fork_runner.hpp"
 
 #include <sys/wait.h>
@@ -135,6 +136,7 @@ Json emptyEntry()
 
 Story::~Story()
 {
+    takePicture();
     phone().close();
     if (!g_leftRoot.empty())
         std::filesystem::remove_all(g_leftRoot);
@@ -207,12 +209,14 @@ std::size_t Story::bootAfterRespring(BootOptions const& options, std::function<v
 void Story::touch(UIView view)
 {
     ASSERT_TRUE(view) << "there is nothing to touch";
+    takePicture();
     phone().tap(middleOnScreen(view));
 }
 
 void Story::hold(UIView view, double seconds)
 {
     ASSERT_TRUE(view) << "there is nothing to hold";
+    takePicture();
     CGPoint const point = middleOnScreen(view);
     phone().touchDown(point);
     wait(seconds);
