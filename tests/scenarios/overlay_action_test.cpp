@@ -172,8 +172,46 @@ TEST_P(OverlayPrompt, LeavesTheStripUntilItIsAnsweredWithYes)
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, OverlayPrompt,
-    testing::Combine(testing::ValuesIn(kStoryVersions), testing::Values(0, 6)), [](auto const& info) {
+    testing::Combine(testing::Values("12.4", "13.7", "14.8", "15.4"), testing::Values(0, 6)),
+    [](auto const& info) {
         return versionName(std::get<0>(info.param)) + "Code" + std::to_string(std::get<1>(info.param));
     });
+
+// What comes up on the overlay's own controller lies in the overlay's window, which takes touches on the strip alone: it is seen,
+// and no finger reaches it.
+class OverlayWindow : public OverlayParking, public testing::WithParamInterface<char const*> {
+protected:
+    static void bootUnlocked(int tapCode)
+    {
+        auto options = Story::options(GetParam(), { { "singleTapAction", tapCode } });
+        options.locked = false;
+        boot(options);
+        summonOverlay();
+        touch(overlayContact());
+        wait();
+    }
+};
+
+TEST_P(OverlayWindow, TakesNoTouchesForAComposer)
+{
+    bootUnlocked(5);
+
+    ASSERT_TRUE(presented("MFMessageComposeViewController"));
+    EXPECT_TRUE(shows("+44 20 7946-0958"));
+    EXPECT_FALSE(button("Cancel"));
+    EXPECT_FALSE(isShown());
+}
+
+TEST_P(OverlayWindow, TakesNoTouchesForAPromptFromSixteenOn)
+{
+    bootUnlocked(0);
+
+    EXPECT_EQ(alertRows().size(), 2u);
+    EXPECT_EQ(bool(alertRow("No")), std::string(GetParam()) != "16.1");
+    EXPECT_TRUE(isShown());
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySystem, OverlayWindow, testing::ValuesIn(kStoryVersions),
+    [](auto const& info) { return versionName(info.param); });
 
 }
