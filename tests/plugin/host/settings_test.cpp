@@ -144,8 +144,7 @@ TEST_F(SettingsFile, IsLookedThroughInOrderAfterTheContacts)
 
     // Foundation's own keys are not ours, and it looks a file's key up when it makes the dictionary.
     std::erase_if(g_lookedUp, [&](std::string const& each) { return std::ranges::count(keys, each) == 0; });
-    auto const repeated = std::ranges::unique(g_lookedUp);
-    g_lookedUp.erase(repeated.begin(), repeated.end());
+    g_lookedUp.erase(std::unique(g_lookedUp.begin(), g_lookedUp.end()), g_lookedUp.end());
     EXPECT_EQ(g_lookedUp, keys);
 }
 
