@@ -3,12 +3,14 @@
 // to the C library.
 #include "phone/kernel/commands.hpp"
 #include "phone/kernel/plugin_loader.hpp"
+#include "phone/kernel/result.hpp"
 
 #include <cerrno>
 #include <dlfcn.h>
 #include <optional>
 #include <spawn.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -23,6 +25,14 @@ std::optional<std::vector<std::string>> copied(char* const* texts)
     return copies;
 }
 
+// Deviation: the phone's commands have no files of their own and no attributes.
+void reportUnusedDetails()
+{
+    static bool isTold = false;
+    if (!std::exchange(isTold, true))
+        phone::reportProblem("posix_spawn: file actions and attributes are not carried out");
+}
+
 }
 
 extern "C" __attribute__((visibility("default"))) int posix_spawn(pid_t* pid, char const* path,
@@ -30,6 +40,8 @@ extern "C" __attribute__((visibility("default"))) int posix_spawn(pid_t* pid, ch
     char* const environment[])
 {
     if (phone::isPluginAddress(__builtin_return_address(0))) {
+        if (actions || attributes)
+            reportUnusedDetails();
         // The C library declares these two as never null, and the compiler would leave out a test for it; the
         // platform answers EFAULT.
         char const* volatile const givenPath = path;

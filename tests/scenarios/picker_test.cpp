@@ -265,9 +265,12 @@ TEST_P(Picker, GoesOnWithoutTheCommandThatRestarts)
     pick({ "Bora" });
     forget();
 
+    testing::internal::CaptureStderr();
     touch(alertRow("Respring"));
     wait();
 
+    // A command with more than a path and arguments is reported.
+    EXPECT_EQ(testing::internal::GetCapturedStderr().find("posix_spawn"), std::string::npos);
     EXPECT_EQ(effects(), (Effects { "dismiss UIAlertController", kSpawn }));
     EXPECT_EQ(phone().trace().events().back()["environment"], nullptr);
     EXPECT_NE(phone().trace().events().back()["result"], 0);

@@ -289,6 +289,18 @@ TEST_F(PluginLoaderTest, APluginsCommandsGoToThePhone)
     EXPECT_EQ(spawn("/bin/true", arguments, environment), ENOENT)
         << "the desktop's programs are not the phone's";
     EXPECT_EQ(deviceTrace().events(1)[0]["environment"].dump(), R"(["A=B"])");
+
+    auto const spawnWithAttributes =
+        reinterpret_cast<int (*)(char const*, char* const*)>(dlsym(handle, "testPluginSpawnWithAttributes"));
+    ASSERT_TRUE(spawnWithAttributes);
+    testing::internal::CaptureStderr();
+    spawn(kKillallPath, arguments, nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(spawnWithAttributes(kKillallPath, arguments), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+        "corvel-phone: posix_spawn: file actions and attributes are not carried out\n");
     deviceCommands().setRestartHandler(nullptr);
 }
 

@@ -27,3 +27,12 @@ extern "C" int testPluginSpawn(char const* path, char* const* arguments, char* c
     pid_t pid = 0;
     return posix_spawn(&pid, path, nullptr, nullptr, arguments, environment);
 }
+extern "C" int testPluginSpawnWithAttributes(char const* path, char* const* arguments)
+{
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    pid_t pid = 0;
+    int const answer = posix_spawn(&pid, path, nullptr, &attributes, arguments, nullptr);
+    posix_spawnattr_destroy(&attributes);
+    return answer;
+}
