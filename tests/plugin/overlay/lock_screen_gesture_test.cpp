@@ -49,13 +49,11 @@ PropertyListDictionary everything()
         { "hideLSView", false } };
 }
 
-std::string utf16(std::string const& ascii)
+std::string utf16(std::string const& ascii, bool isBigEndian)
 {
-    std::string text = "\xff\xfe";
-    for (char const c : ascii) {
-        text += c;
-        text += '\0';
-    }
+    std::string text = isBigEndian ? "\xfe\xff" : "\xff\xfe";
+    for (char const c : ascii)
+        text += isBigEndian ? std::string { '\0', c } : std::string { c, '\0' };
     return text;
 }
 
@@ -300,10 +298,14 @@ INSTANTIATE_TEST_SUITE_P(Encodings, SettingsFileOf,
 TEST_F(LockScreenGesture, KeepsTheKeysOfAFileInWideCharacters)
 {
     boot(options("15.4"));
-    putSettings(bytesOf(utf16("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<plist version=\"1.0\"><dict>"
-                              "<key>titlePos</key><integer>3</integer></dict></plist>\n")));
-    toggle();
-    EXPECT_EQ(settingsFile(), (PropertyListDictionary { { "titlePos", 3 }, { "hideLSView", true } }));
+    for (bool const isBigEndian : { true, false }) {
+        putSettings(bytesOf(utf16("<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<plist version=\"1.0\"><dict>"
+                                  "<key>titlePos</key><integer>3</integer></dict></plist>\n",
+            isBigEndian)));
+        toggle();
+        EXPECT_EQ(
+            settingsFile(), (PropertyListDictionary { { "titlePos", 3 }, { "hideLSView", isBigEndian } }));
+    }
 }
 
 TEST_F(LockScreenGesture, ReplacesAFileThatCannotBeRead)

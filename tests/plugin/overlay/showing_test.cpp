@@ -243,6 +243,22 @@ TEST_F(OverlayShowing, ComesInAsThePhoneLiesThoughNobodyToldOfTheTurn)
     EXPECT_EQ(strip.frame(), CGRectMake(390 / 2.0 - 111, 40, 222, 88));
 }
 
+TEST_F(OverlayShowing, IsTurnedAlsoWhileItIsAway)
+{
+    boot(options("15.4"));
+    summon();
+    UIView const strip = phone().overlay();
+    gesture();
+    wait(1);
+    turn(3);
+    summon();
+    CGRect const frame = strip.frame();
+    EXPECT_NEAR(frame.origin.x, 390 - 98, 1e-9);
+    EXPECT_NEAR(frame.origin.y, 844 / 2.0 - 111, 1e-9);
+    EXPECT_NEAR(frame.size.width, 88, 1e-9);
+    EXPECT_NEAR(frame.size.height, 222, 1e-9);
+}
+
 TEST_F(OverlayShowing, HasACardWhateverTheStyle)
 {
     boot(options("15.4", { { "bannerStyle", 0 } }));
