@@ -11,11 +11,14 @@
 #include <cstdlib>
 
 extern "C" {
+IMP objc_msg_lookup(id receiver, SEL selector);
+
 // message_send.S
 void corvel_apple_objc_msgSend();
 void corvel_apple_class_addMethod();
 void corvel_apple_CFNotificationCenterAddObserver();
 void* corvel_apple_incoming_code(void* code, char const* what);
+IMP corvel_apple_message_lookup(id receiver, SEL selector, void const* returnAddress);
 
 // Substrate's part, which the phone's executable has.
 void MSHookMessageEx(Class cls, SEL selector, IMP replacement, IMP* original);
@@ -25,6 +28,17 @@ void MSHookMessageEx(Class cls, SEL selector, IMP replacement, IMP* original);
 void* corvel_apple_incoming_code(void* code, char const* what)
 {
     return phone::authenticatedCode(code, 0, what);
+}
+
+// Where the library's last message returns to. A message that ends one of its functions is a jump, and returns to whoever called
+// the function: an address of the phone's, behind which the library would not be seen.
+static void const* g_messageReturnsTo = nullptr;
+
+IMP corvel_apple_message_lookup(id receiver, SEL selector, void const* returnAddress)
+{
+    IMP const implementation = objc_msg_lookup(receiver, selector);
+    g_messageReturnsTo = returnAddress;   // after the look-up, in which a class may be initialised
+    return implementation;
 }
 
 namespace phone {
@@ -136,6 +150,8 @@ Result<MachOLibrary*> loadAppleLibrary(std::filesystem::path const& path, MachOA
 
 bool isAppleLibraryAddress(void const* address)
 {
+    if (address == g_messageReturnsTo)
+        return true;
     return std::any_of(
         libraries().begin(), libraries().end(), [&](auto const& library) { return library->holds(address); });
 }

@@ -20,7 +20,8 @@ corvel_apple_objc_msgSend:
     stp q2, q3, [sp, #128]
     stp q4, q5, [sp, #160]
     stp q6, q7, [sp, #192]
-    bl objc_msg_lookup
+    mov x2, x30
+    bl corvel_apple_message_lookup
     mov x16, x0
     ldp x0, x1, [sp, #16]
     ldp x2, x3, [sp, #32]
