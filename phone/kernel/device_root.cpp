@@ -96,7 +96,7 @@ Result<DeviceRoot> DeviceRoot::openGiven(fs::path folder)
 
 Result<fs::path> DeviceRoot::userDataFolder()
 {
-    // A relative XDG_DATA_HOME is to be ignored (XDG Base Directory Specification).
+    // A relative XDG_DATA_HOME is to be ignored (freedesktop.org, base directories).
     if (char const* data = std::getenv("XDG_DATA_HOME"); data && data[0] == '/')
         return fs::path(data) / "corvel";
     char const* home = std::getenv("HOME");

@@ -340,8 +340,8 @@ private:
     UIView m_root;
     LayoutSolver m_solver;
     std::map<id, Variables> m_variables;
-    std::vector<id>
-        m_views;   // in the order in which they come up: where they lie in memory must decide nothing
+    // In the order in which they come up: where they lie in memory must decide nothing.
+    std::vector<id> m_views;
     std::vector<std::string> m_words;   // by tag
 };
 

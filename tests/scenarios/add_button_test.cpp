@@ -1,28 +1,19 @@
 // The button of an empty strip: on what the picker comes up, and what becomes of a picker that can't; and a strip that was
 // hidden by the gesture before the phone came up with the new list.
 #include "tests/scenarios/actions.hpp"
+#include "tests/scenarios/empty_strip.hpp"
 
 #include "phone/foundation/strings.hpp"
 
 namespace phone {
 
-class AddButton : public Story, public testing::WithParamInterface<char const*> {
+class AddButton : public EmptyStripStory, public testing::WithParamInterface<char const*> {
 protected:
     static BootOptions emptyStrip() { return options(GetParam(), Json::object(), Json::array()); }
-    static UIView addButton()
-    {
-        for (UIView const view : visibleViews())
-            if (view.isDescendantOfView(phone().strip())
-                && view.send<"isKindOfClass:", BOOL>(objc::cls<"UIControl">()))
-                return view;
-        return {};
-    }
     static void openPicker()
     {
-        ASSERT_TRUE(phone().setAddressBook(Json::array({ { { "contactFirstName", "Ada" },
-            { "contactLastName", "Lund" }, { "contactUniqueIdentifier", "ada" } } })));
-        touch(addButton());
-        wait();
+        EmptyStripStory::openPicker(Json::array({ { { "contactFirstName", "Ada" },
+            { "contactLastName", "Lund" }, { "contactUniqueIdentifier", "ada" } } }));
     }
 };
 

@@ -1,5 +1,6 @@
 // Picking contacts, from the empty strip's button to the phone that comes up with the new list.
 #include "tests/scenarios/actions.hpp"
+#include "tests/scenarios/empty_strip.hpp"
 
 #include "phone/foundation/strings.hpp"
 #include "phone/kernel/date.hpp"
@@ -41,22 +42,9 @@ Json people()
 
 }
 
-class PickerStory : public Story {
+class PickerStory : public EmptyStripStory {
 protected:
-    static void openPicker(Json const& contacts = people())
-    {
-        ASSERT_TRUE(phone().setAddressBook(contacts));
-        touch(addButton());
-        wait();
-    }
-    static UIView addButton()
-    {
-        for (UIView const view : visibleViews())
-            if (view.isDescendantOfView(phone().strip())
-                && view.send<"isKindOfClass:", BOOL>(objc::cls<"UIControl">()))
-                return view;
-        return {};
-    }
+    static void openPicker(Json const& contacts = people()) { EmptyStripStory::openPicker(contacts); }
     // Of the alert that came up last.
     static Json lastActions()
     {
