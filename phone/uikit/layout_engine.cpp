@@ -203,6 +203,15 @@ private:
         return position;
     }
 
+    // Where a place inside the view lies: 0 is its start, 1 its end. Which variable comes up first decides what stays where the
+    // constraints leave a choice, so a sum is made step by step: compilers take operands in orders of their own.
+    LinearExpression placeIn(UIView view, Axis axis, UIView host, double part)
+    {
+        LinearExpression position = length(view, axis) * part;
+        position.add(startIn(view, axis, host));
+        return position;
+    }
+
     LinearExpression value(UIView view, LayoutAttribute attribute, UIView host)
     {
         bool const rightToLeft = (host ? host : view).effectiveUserInterfaceLayoutDirection() == 1;
@@ -212,16 +221,15 @@ private:
             attribute = rightToLeft ? LayoutAttribute::left : LayoutAttribute::right;
         switch (attribute) {
         case LayoutAttribute::left: return startIn(view, horizontal, host);
-        case LayoutAttribute::right: return startIn(view, horizontal, host) + length(view, horizontal);
-        case LayoutAttribute::centerX:
-            return startIn(view, horizontal, host) + length(view, horizontal) * 0.5;
+        case LayoutAttribute::right: return placeIn(view, horizontal, host, 1);
+        case LayoutAttribute::centerX: return placeIn(view, horizontal, host, 0.5);
         case LayoutAttribute::width: return length(view, horizontal);
         case LayoutAttribute::top: return startIn(view, vertical, host);
         // Deviation: baselines stand at the bottom edge.
         case LayoutAttribute::lastBaseline:
         case LayoutAttribute::firstBaseline:
-        case LayoutAttribute::bottom: return startIn(view, vertical, host) + length(view, vertical);
-        case LayoutAttribute::centerY: return startIn(view, vertical, host) + length(view, vertical) * 0.5;
+        case LayoutAttribute::bottom: return placeIn(view, vertical, host, 1);
+        case LayoutAttribute::centerY: return placeIn(view, vertical, host, 0.5);
         case LayoutAttribute::height: return length(view, vertical);
         case LayoutAttribute::leading:
         case LayoutAttribute::trailing:
@@ -248,7 +256,19 @@ private:
     {
         return length(stack, axis) + LinearExpression(boundsOrigin(stack, axis));
     }
-    LinearExpression end(UIView view, Axis axis) { return start(view, axis) + length(view, axis); }
+    LinearExpression end(UIView view, Axis axis)
+    {
+        LinearExpression position = length(view, axis);
+        position.add(start(view, axis));
+        return position;
+    }
+    // From the stack's inner end to the view's.
+    LinearExpression beyondEnd(UIStackView stack, UIView view, Axis axis)
+    {
+        LinearExpression distance = innerEnd(stack, axis) * -1;
+        distance.add(end(view, axis));
+        return distance;
+    }
 
     void addMainAxis(UIStackView stack, std::vector<UIView> const& shown, Axis axis)
     {
@@ -265,15 +285,19 @@ private:
             put(std::move(atLeast), LayoutRelation::greaterThanOrEqual, LayoutSolver::kRequired, "gap" + of);
         }
         for (std::size_t i = 1; i < shown.size(); ++i) {
-            LinearExpression next = start(shown[i], axis) - end(shown[i - 1], axis);
+            LinearExpression next = end(shown[i - 1], axis) * -1;
+            next.add(start(shown[i], axis));
             next.add(
                 gap ? LinearExpression::of(*gap) : LinearExpression(stackSpacingAfter(stack, shown[i - 1])),
                 -1);
             putEqual(std::move(next), "spacing" + of);
-            if (distribution == UIStackViewDistribution::fillEqually)
-                putEqual(length(shown[i], axis) - length(shown.front(), axis), "equal size" + of);
+            if (distribution == UIStackViewDistribution::fillEqually) {
+                LinearExpression longer = length(shown.front(), axis) * -1;
+                longer.add(length(shown[i], axis));
+                putEqual(std::move(longer), "equal size" + of);
+            }
         }
-        putEqual(end(shown.back(), axis) - innerEnd(stack, axis), "last" + of);
+        putEqual(beyondEnd(stack, shown.back(), axis), "last" + of);
     }
 
     void addCrossAxis(UIStackView stack, std::vector<UIView> const& shown, Axis axis)
@@ -283,7 +307,7 @@ private:
         LinearExpression const first(boundsOrigin(stack, axis));
         for (UIView const view : shown) {
             LinearExpression const atStart = start(view, axis) - first;
-            LinearExpression const atEnd = end(view, axis) - innerEnd(stack, axis);
+            LinearExpression const atEnd = beyondEnd(stack, view, axis);
             auto alignment = static_cast<UIStackViewAlignment>(stack.alignment());
             if (rightToLeft && alignment == UIStackViewAlignment::leading)
                 alignment = UIStackViewAlignment::trailing;

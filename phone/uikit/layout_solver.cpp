@@ -8,7 +8,7 @@ namespace phone {
 
 namespace {
 // Points; far below a pixel, far above what elimination leaves of rounding errors.
-constexpr double kTolerance = 1e-6;
+constexpr double kSolverTolerance = 1e-6;
 // A factor that small is a rounding error.
 constexpr double kNoFactor = 1e-12;
 }
@@ -58,8 +58,10 @@ public:
         , m_variables(std::move(variables))
         , m_current(current)
     {
-        std::stable_sort(m_constraints.begin(), m_constraints.end(),
-            [](auto const* a, auto const* b) { return a->priority > b->priority; });
+        // Of equal priority in the order in which they came: they lie in one array.
+        std::ranges::sort(m_constraints, [](auto const* a, auto const* b) {
+            return a->priority != b->priority ? a->priority > b->priority : a < b;
+        });
         for (auto const* each : m_constraints) {
             if (each->relation != LinearRelation::equal)
                 m_bounds.push_back(each);
@@ -132,8 +134,8 @@ private:
         LinearExpression const value = reduced(bound.expression);
         if (!value.isConstant())
             return false;
-        return bound.relation == LinearRelation::atLeastZero ? value.constant < -kTolerance
-                                                             : value.constant > kTolerance;
+        return bound.relation == LinearRelation::atLeastZero ? value.constant < -kSolverTolerance
+                                                             : value.constant > kSolverTolerance;
     }
 
     // Bounds above the priority that the rows break now.
@@ -190,7 +192,7 @@ private:
             hold(constraint.expression, constraint.priority);
             return;
         }
-        if (constraint.priority >= kRequired && std::abs(value.constant) > kTolerance)
+        if (constraint.priority >= kRequired && std::abs(value.constant) > kSolverTolerance)
             solution.broken.push_back(constraint.tag);
     }
 
@@ -241,9 +243,9 @@ LayoutSolver::Solution LayoutSolver::solve() const
         }
         // Between places that do not move: it holds or it doesn't.
         double const value = each.expression.constant;
-        bool const holds = each.relation == LinearRelation::equal ? std::abs(value) <= kTolerance
-            : each.relation == LinearRelation::atLeastZero        ? value >= -kTolerance
-                                                                  : value <= kTolerance;
+        bool const holds = each.relation == LinearRelation::equal ? std::abs(value) <= kSolverTolerance
+            : each.relation == LinearRelation::atLeastZero        ? value >= -kSolverTolerance
+                                                                  : value <= kSolverTolerance;
         if (!holds && each.priority >= kRequired)
             solution.broken.push_back(each.tag);
     }

@@ -93,10 +93,11 @@ void moveToFront(UIWindow window)
 std::vector<UIWindow> allWindows()
 {
     std::vector<UIWindow> all;
-    for (id const each : g_windows)
-        all.push_back(UIWindow { each });
-    std::stable_sort(
-        all.begin(), all.end(), [](UIWindow a, UIWindow b) { return a.windowLevel() < b.windowLevel(); });
+    // Of the same level the later one lies above.
+    for (id const each : g_windows) {
+        UIWindow const window { each };
+        all.insert(std::ranges::upper_bound(all, window.windowLevel(), {}, &UIWindow::windowLevel), window);
+    }
     return all;
 }
 

@@ -287,6 +287,10 @@ TEST_F(LockScreenStrip, PassesAnInsertedItemOnAsItIs)
         EXPECT_EQ(own[0]["arguments"][1], bool(animated));
     }
     EXPECT_EQ(arranged(host()), (Lines { "UIView", "CVLView" }));
+    // Nothing says how high the item is: its own height stays, and the strip comes below it.
+    host().view().layoutIfNeeded();
+    EXPECT_EQ(item->frame(), CGRectMake(0, 0, 390, 10));
+    EXPECT_EQ(phone().strip().frame().origin, (CGPoint { 10, 18 }));
 }
 
 TEST_F(LockScreenStrip, IsOneForEveryController)
