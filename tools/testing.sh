@@ -2,7 +2,7 @@
 # ./corvel test, which sources this file: builds, has ctest run the test programs, shows what failed, and
 # counts the tests inside the programs.
 #
-# Uses from ./corvel: $root, $jobs, $mayInstall, say, die, takeValue, unknownArgument, tools/building.sh.
+# Uses from ./corvel: $root, $jobs, $mayInstall, say, die, dieUsage, takeValue, unknownArgument, tools/building.sh.
 
 readonly kTestSeconds=3600   # for a test program that hangs; one whose tests run on an emulated processor takes minutes
 
@@ -16,6 +16,11 @@ runTests()
             --device) name=device packages+=(package device_test) ;;
             --clients) clients=yes packages+=(clients) ;;
             --filter) takeValue "$1" "$@" && wanted=$value && shift ;;
+            --every)
+                takeValue "$1" "$@" && shift
+                [[ $value =~ ^[1-9][0-9]{0,5}$ ]] || dieUsage "--every takes a number, as in --every 20"
+                export CORVEL_TEST_EVERY=$value
+                ;;
             --no-install) mayInstall=no ;;
             *) unknownArgument test "$1" ;;
         esac

@@ -34,6 +34,9 @@ class ScriptTest(unittest.TestCase):
     def called(self, result, tool):
         return [call for call in result.calls if call.split()[0] == tool]
 
+    def log(self, name):
+        return (self.stage.folder / "build" / "log" / f"{name}.log").read_text()
+
 
 class Words(ScriptTest):
     def test_without_a_word_it_names_the_words(self):
@@ -58,7 +61,7 @@ class Words(ScriptTest):
             self.failsAtOnce(self.stage.run(word, "stray"), '"stray"', status=2)
 
     def test_an_option_without_its_value_is_named(self):
-        for arguments in (["test", "--filter"], ["bench", "--filter"], ["demo", "--out"], ["demo", "--out", ""]):
+        for arguments in (["test", "--filter"], ["test", "--every"], ["bench", "--filter"], ["demo", "--out"], ["demo", "--out", ""]):
             self.failsAtOnce(self.stage.run(*arguments), arguments[1], "value", status=2)
 
     def test_help_tells_every_word(self):
@@ -120,9 +123,20 @@ class Places(ScriptTest):
         self.failsAtOnce(self.stage.run("test"), "cannot write", "no permission")
 
     def test_continuous_integration_runs_the_tests_without_display(self):
+        self.stage.offer_device()
         result = self.stage.run(cwd="/", command=str(self.stage.folder / ".ci" / "run"), DISPLAY=":0")
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(result.stdout, "1 passed, 0 failed\n")
+        self.assertEqual(result.stdout, "1 passed, 0 failed\n2 passed, 0 failed\n")
+        folders = [call.split("--test-dir ")[1].split(" -j")[0] for call in self.called(result, "ctest")]
+        self.assertEqual(folders, [f"{self.stage.folder}/build/{name}" for name in ("release", "device", "device-phone")])
+        self.assertRegex(self.log("test-device"), r"one of [1-9]\d\n")
+
+    def test_continuous_integration_fails_with_the_tests(self):
+        self.stage.offer_device()
+        self.stage.write("ctest.fails", "")
+        result = self.stage.run(command=str(self.stage.folder / ".ci" / "run"))
+        self.assertEqual(result.returncode, 1, result.stderr)
+        self.assertEqual(len(self.called(result, "ctest")), 1)
 
 
 class Packages(ScriptTest):
@@ -307,7 +321,7 @@ class Building(ScriptTest):
         self.assertIn("a.cpp:3:5: error: 'foo' was not declared\n    3 | foo();", result.stderr)
         self.assertNotIn("Building CXX", result.stderr)
         self.assertLess(len(result.stderr.splitlines()), 20)
-        self.assertIn("[899/900]", (self.stage.folder / "build" / "log" / "build-release.log").read_text())
+        self.assertIn("[899/900]", self.log("build-release"))
 
     def test_thousands_of_errors_are_cut(self):
         self.stage.write("ninja.prints", "".join(f"a.cpp:{n}:1: error: no\n" for n in range(3000)))
@@ -383,15 +397,6 @@ class Tests(ScriptTest):
         self.assertIn("--preset sanitize", self.called(result, "cmake")[0])
         self.assertIn(f"--test-dir {self.stage.folder}/build/sanitize", self.called(result, "ctest")[0])
 
-    def device(self, sysroot="echo Unpacking", *arguments):
-        (self.stage.folder / "device").mkdir(exist_ok=True)
-        script = self.stage.folder / "device" / "sysroot.sh"
-        script.write_text(f"#!/bin/bash\n{sysroot}\n")
-        script.chmod(0o755)
-        with open(self.stage.top / "installed", "a", encoding="utf-8") as installed:
-            installed.write("".join(f"{name}\n" for name in self.stage.packages("package", "device_test")))
-        return self.stage.run("test", "--device", *arguments)
-
     def test_the_iphones_library_is_tested_beside_the_desktops(self):
         stale = self.stage.folder / "build" / "device-phone" / "stories"
         stale.mkdir(parents=True)
@@ -399,7 +404,8 @@ class Tests(ScriptTest):
             "1: Ran 5 tests in 0.2s\n1: \n1: OK\n1/2 Test #1: device.check ....   Passed    0.02 sec\n"
             "2/2 Test #2: stories.same ....   Passed    0.02 sec\n"
         ))
-        result = self.device()
+        self.stage.offer_device()
+        result = self.stage.run("test", "--device")
         self.assertEqual(result.returncode, 0, result.stderr)
         for name in ("device", "release", "device-phone"):
             self.assertEqual(sum(f"--preset {name} " in call + " " for call in self.called(result, "cmake")), 1, name)
@@ -411,7 +417,8 @@ class Tests(ScriptTest):
         self.assertEqual(result.stdout, "12 passed, 0 failed\n")
 
     def test_libraries_that_cannot_be_had_are_told(self):
-        result = self.device("echo 'sysroot.sh: error: no mirror' >&2; exit 1")
+        self.stage.offer_device("echo 'sysroot.sh: error: no mirror' >&2; exit 1")
+        result = self.stage.run("test", "--device")
         self.fails(result, "unpacking libraries for arm64 failed", "sysroot.log")
         self.assertIn("no mirror", result.stderr)
 
@@ -452,7 +459,13 @@ class Tests(ScriptTest):
         ))
         result = self.stage.run("test", "--filter", "Clock")
         self.assertEqual(result.stdout, "1 passed, 0 failed\n")
-        self.assertIn("filter: *Clock*", (self.stage.folder / "build" / "log" / "test-release.log").read_text())
+        self.assertIn("filter: *Clock*", self.log("test-release"))
+
+    def test_a_part_of_the_tests_can_be_had(self):
+        self.stage.run("test", "--every", "20")
+        self.assertIn("one of 20\n", self.log("test-release"))
+        for number in ("0", "x", "-1", "1.5", "1000000"):
+            self.failsAtOnce(self.stage.run("test", "--every", number), "--every takes a number", status=2)
 
     def test_a_filter_that_fits_nothing_fails(self):
         self.stage.write("ctest.prints", (

@@ -71,7 +71,7 @@ if [[ " $* " == *" -N "* ]]; then
     [[ " $* " != *" -R objc "* ]] || echo "  Test #1: objc_test"
     exit 0
 fi
-echo "filter: ${GTEST_FILTER-none}"
+echo "filter: ${GTEST_FILTER-none}, one of ${CORVEL_TEST_EVERY-1}"
 cat "$STAGE/ctest.prints"
 [[ ! -e $STAGE/ctest.fails ]]''',
 }
@@ -104,6 +104,15 @@ class Stage:
         self.write("calls", "")
         self.own()
         return self
+
+    def offer_device(self, sysroot="echo Unpacking"):
+        """What `test --device` needs; the commands given unpack the libraries for arm64."""
+        (self.folder / "device").mkdir()
+        script = self.folder / "device" / "sysroot.sh"
+        script.write_text(f"#!/bin/bash\n{sysroot}\n")
+        script.chmod(0o755)
+        with open(self.top / "installed", "a", encoding="utf-8") as installed:
+            installed.write("".join(f"{name}\n" for name in self.packages("package", "device_test")))
 
     def __exit__(self, *_):
         self.temporary.cleanup()

@@ -2,8 +2,8 @@
 // test runs in a process of its own, forked from this one, which has loaded what every phone needs (warmUpTests). Two or more run
 // at a time; what they print comes out whole, in the order in which they end, with GoogleTest's own marks.
 //
-// Options are GoogleTest's: --gtest_filter, --gtest_list_tests. CORVEL_TEST_JOBS sets how many run at a time; CORVEL_TEST_IN_PROCESS=1
-// runs the tests of a filter in this process, for a debugger.
+// Options are GoogleTest's: --gtest_filter, --gtest_list_tests. CORVEL_TEST_JOBS sets how many run at a time; CORVEL_TEST_EVERY=N leaves
+// one of N tests, the first of each N; CORVEL_TEST_IN_PROCESS=1 runs the tests of a filter in this process, for a debugger.
 #include "tests/support/fork_runner.hpp"
 
 #include <gtest/gtest.h>
@@ -50,6 +50,14 @@ std::string contentsOf(std::FILE* file)
     return text;
 }
 
+// A number above 0 of the environment.
+std::size_t setting(char const* name, std::size_t otherwise)
+{
+    char const* const text = std::getenv(name);
+    int const number = text ? std::atoi(text) : 0;
+    return number > 0 ? static_cast<std::size_t>(number) : otherwise;
+}
+
 // GoogleTest knows which tests a filter means; a child lists them for us.
 std::vector<std::string> chosenTests()
 {
@@ -66,16 +74,18 @@ std::vector<std::string> chosenTests()
     std::fclose(output);
 
     std::vector<std::string> names;
+    std::size_t const every = setting("CORVEL_TEST_EVERY", 1);
+    std::size_t count = 0;
     std::string suite;
     for (std::size_t at = 0; at < text.size();) {
         std::size_t const end = text.find('\n', at);
         std::string line = text.substr(at, end - at);
         at = end + 1;
         line.erase(std::min(line.find("  #"), line.size()));   // the parameter's value
-        if (line.starts_with("  "))
-            names.push_back(suite + line.substr(2));
-        else
+        if (!line.starts_with("  "))
             suite = line;
+        else if (count++ % every == 0)
+            names.push_back(suite + line.substr(2));
     }
     return names;
 }
@@ -117,7 +127,8 @@ public:
     int run(std::vector<std::string> const& names)
     {
         std::printf("[==========] Running %zu tests, each in a process of its own.\n", names.size());
-        std::size_t const jobs = jobCount();
+        std::size_t const jobs =
+            setting("CORVEL_TEST_JOBS", std::max(1u, std::thread::hardware_concurrency()));
         for (std::size_t next = 0; next < names.size() || !m_running.empty();) {
             if (next < names.size() && m_running.size() < jobs) {
                 std::FILE* const output = std::tmpfile();
@@ -141,14 +152,6 @@ public:
     }
 
 private:
-    static std::size_t jobCount()
-    {
-        if (char const* const text = std::getenv("CORVEL_TEST_JOBS"))
-            if (int const jobs = std::atoi(text); jobs > 0)
-                return static_cast<std::size_t>(jobs);
-        return std::max(1u, std::thread::hardware_concurrency());
-    }
-
     void waitForOne()
     {
         int status = 0;
