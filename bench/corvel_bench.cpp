@@ -1,6 +1,7 @@
 // How long the phone and the plug-in take: booting, building strips, cells, scrolling, and what a hook costs.
 #include "bench/in_child.hpp"
 #include "bench/ratio_reporter.hpp"
+#include "bench/stop_watch.hpp"
 #include "bench/web_driver_bench.hpp"
 
 #include "objc/define.hpp"
@@ -14,18 +15,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
-
 namespace {
 
 constexpr double kScale = 2;   // pixels a point
-
-using Now = std::chrono::steady_clock;
-
-double secondsSince(Now::time_point start)
-{
-    return std::chrono::duration<double>(Now::now() - start).count();
-}
 
 phone::BootOptions options()
 {
@@ -73,7 +65,7 @@ void measureInChildren(
 void forkOfWarmParent(benchmark::State& state)
 {
     for ([[maybe_unused]] auto const iteration : state) {
-        auto const start = Now::now();
+        auto const start = Clock::now();
         inChild([] { return 0.0; });
         state.SetIterationTime(secondsSince(start));
     }
@@ -83,7 +75,7 @@ void bootToFirstFrame(benchmark::State& state)
 {
     for ([[maybe_unused]] auto const iteration : state) {
         double const seconds = inChild([]() -> double {
-            auto const start = Now::now();
+            auto const start = Clock::now();
             if (!phone::phone().boot(options()))
                 return -1;
             phone::Renderer renderer;
@@ -107,7 +99,7 @@ objc::handle readList()
 void readingContacts(benchmark::State& state)
 {
     measureInChildren(state, optionsWithContacts(static_cast<std::size_t>(state.range(0))), [] {
-        auto const start = Now::now();
+        auto const start = Clock::now();
         benchmark::DoNotOptimize(readList());
         return secondsSince(start);
     });
@@ -130,7 +122,7 @@ struct DictionaryFromFile {
     static inline objc::original<objc::handle(NSObject, SEL, NSString)> original;
     static objc::handle replacement(NSObject self, SEL selector, NSString path)
     {
-        auto const start = Now::now();
+        auto const start = Clock::now();
         objc::handle const dictionary = original(self, selector, path);
         g_reading += secondsSince(start);
         return dictionary;
@@ -144,7 +136,7 @@ double createStrip()
     MSHookMessageEx(objc::cls<"NSDictionary">().get(), objc::selector<"initWithContentsOfFile:">(),
         replacement, original);
 
-    auto const start = Now::now();
+    auto const start = Clock::now();
     objc::handle const made = objc::cls<"CVLView">().send<"alloc", objc::handle>();
     phone::UIView const strip { made.send<"initWithFrame:prefs:nonLSView:", objc::handle>(
                                         CGRectMake(0, 27, 335, 80), usualPreferences(), BOOL(false))
@@ -166,7 +158,7 @@ double buildCells(NSUInteger item)
     objc::handle const row = strip.send<"collectionView", objc::handle>();
     objc::handle const path = objc::cls<"NSIndexPath">().send<"indexPathForItem:inSection:", objc::handle>(
         NSInteger(item), NSInteger(0));
-    auto const start = Now::now();
+    auto const start = Clock::now();
     for (int i = 0; i < kCells; ++i)
         strip.send<"collectionView:cellForItemAtIndexPath:", objc::handle>(row, path);
     return secondsSince(start) / kCells;
@@ -193,7 +185,7 @@ void scrollFrame(benchmark::State& state)
         CGRect const place = strip.convertRectToView(strip.bounds(), {});
         CGFloat const y = place.origin.y + place.size.height / 2;
         device.touchDown({ place.origin.x + 300, y });
-        auto const start = Now::now();
+        auto const start = Clock::now();
         for (int i = 1; i <= kFrames; ++i) {
             device.touchMove({ place.origin.x + 300 - 4 * i, y });
             if (!device.advance(1.0 / 60))

@@ -1,22 +1,15 @@
 #include "bench/web_driver_bench.hpp"
 
 #include "bench/in_child.hpp"
+#include "bench/stop_watch.hpp"
 #include "phone/automation/automation_server.hpp"
 #include "tests/phone/automation/http_client.hpp"
 
-#include <chrono>
 #include <optional>
 
 namespace {
 
-using Now = std::chrono::steady_clock;
-
 constexpr int kCalls = 50;
-
-double secondsSince(Now::time_point start)
-{
-    return std::chrono::duration<double>(Now::now() - start).count();
-}
 
 // A server with its phone and a session on it, seen by a client.
 class Driven {
@@ -96,7 +89,7 @@ void measure(benchmark::State& state, phone::BootOptions const& boot, Call call)
             Driven driven(boot);
             if (!driven.open() || !call(driven))
                 return -1;
-            auto const start = Now::now();
+            auto const start = Clock::now();
             for (int i = 0; i < kCalls; ++i)
                 if (!call(driven))
                     return -1;
@@ -114,7 +107,7 @@ void bootToFirstAnswer(benchmark::State& state, phone::BootOptions const& boot)
 {
     for ([[maybe_unused]] auto const iteration : state) {
         double const seconds = inChild([&]() -> double {
-            auto const start = Now::now();
+            auto const start = Clock::now();
             Driven driven(boot);
             if (!driven.answers())
                 return -1;

@@ -17,8 +17,8 @@ namespace {
 using graphics::Color;
 
 // Points.
-constexpr double kIconSide = 84;
-constexpr double kMargin = 24;
+constexpr double kCardIconSide = 84;
+constexpr double kAppMargin = 24;
 
 // Neither white nor black, so that what lies above an application stands out from it.
 UIColor cardColor() { return UIColor::dynamic(Color::hex(0xd9e2f1), Color::hex(0x1d2536)); }
@@ -119,13 +119,14 @@ objc::ref<UILabel> centred(std::string_view text, double size, double weight, UI
 void layOut(CardViews const& views, CGRect bounds)
 {
     double const width = bounds.size.width;
-    double const inner = width - 2 * kMargin;
+    double const inner = width - 2 * kAppMargin;
     double const middle = bounds.size.height * 0.42;
-    views.icon->setFrame({ { (width - kIconSide) / 2, middle - kIconSide - 18 }, { kIconSide, kIconSide } });
-    views.name->setFrame({ { kMargin, middle }, { inner, 30 } });
-    views.subject->setFrame({ { kMargin, middle + 44 }, { inner, 34 } });
+    views.icon->setFrame(
+        { { (width - kCardIconSide) / 2, middle - kCardIconSide - 18 }, { kCardIconSide, kCardIconSide } });
+    views.name->setFrame({ { kAppMargin, middle }, { inner, 30 } });
+    views.subject->setFrame({ { kAppMargin, middle + 44 }, { inner, 34 } });
     double const height = views.url->sizeThatFits({ inner, 10000 }).height;
-    views.url->setFrame({ { kMargin, middle + 84 }, { inner, height } });
+    views.url->setFrame({ { kAppMargin, middle + 84 }, { inner, height } });
 }
 
 }

@@ -4,6 +4,7 @@
 #include "phone/apps/availability.hpp"
 #include "phone/apps/call_card.hpp"
 #include "phone/apps/siri_card.hpp"
+#include "phone/kernel/ascii.hpp"
 #include "phone/springboard/home_screen.hpp"
 #include "phone/springboard/lock_flow.hpp"
 #include "phone/springboard/springboard_state.hpp"
@@ -45,9 +46,7 @@ std::string& frontMostBeforeCall()
 
 std::string schemeOf(std::string_view url)
 {
-    std::string scheme(url.substr(0, std::min(url.find(':'), url.size())));
-    std::ranges::transform(scheme, scheme.begin(), [](unsigned char c) { return std::tolower(c); });
-    return scheme;
+    return lowercase(url.substr(0, std::min(url.find(':'), url.size())));
 }
 
 Application const* applicationForUrl(std::string_view url)

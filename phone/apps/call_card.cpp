@@ -18,7 +18,7 @@ using graphics::Color;
 
 // Points.
 constexpr double kEndSide = 70;
-constexpr double kMargin = 24;
+constexpr double kCallMargin = 24;
 
 // Over the lock screen (1050), under Siri and alerts.
 constexpr double kCallLevel = 1060;
@@ -41,7 +41,7 @@ struct CallTarget : objc::subclass<CallTarget, "SBInCallTarget", NSObject> {
     }
 };
 
-CallTarget target()
+CallTarget callTarget()
 {
     static objc::ref<CallTarget>& made =
         *new objc::ref<CallTarget>(objc::adopt(CallTarget::alloc().init<CallTarget>()));
@@ -96,8 +96,8 @@ void layOut(CallViews const& views, CGRect bounds)
     bool const isLandscape = width > bounds.size.height;
     double const top = insets.top + (isLandscape ? 24 : 56);
     views.backdrop->setFrame(bounds);
-    views.number->setFrame({ { kMargin, top }, { width - 2 * kMargin, 42 } });
-    views.name->setFrame({ { kMargin, top + 46 }, { width - 2 * kMargin, 24 } });
+    views.number->setFrame({ { kCallMargin, top }, { width - 2 * kCallMargin, 42 } });
+    views.name->setFrame({ { kCallMargin, top + 46 }, { width - 2 * kCallMargin, 24 } });
     double const endTop = bounds.size.height - insets.bottom - kEndSide - (isLandscape ? 16 : 72);
     views.end->setFrame({ { (width - kEndSide) / 2, endTop }, { kEndSide, kEndSide } });
     views.endSign->setFrame({ {}, { kEndSide, kEndSide } });
@@ -122,7 +122,7 @@ objc::ref<LayoutView> makeCard(Application const& application, std::string const
     views.end->setBackgroundColor(UIColor::of(Color::hex(0xff3b30)));
     views.end->setCornerRadius(kEndSide / 2);
     views.end->setAccessibilityLabel(toNSString("End"));
-    views.end->addTarget(target(), objc::selector<"phone_endPressed:">(), ControlEvent::touchUpInside);
+    views.end->addTarget(callTarget(), objc::selector<"phone_endPressed:">(), ControlEvent::touchUpInside);
     views.endSign = DrawnView::make({}, drawHandset);
     views.end->addSubview(views.endSign.get());
 

@@ -15,13 +15,12 @@ namespace {
 using graphics::Color;
 
 // Points.
-constexpr double kMargin = 16;
+constexpr double kFieldMargin = 16;
 constexpr double kFieldHeight = 46;
-constexpr double kTextSize = 17;
+constexpr double kFieldTextSize = 17;
 constexpr double kRecipientGap = 8;
 constexpr double kRecipientLine = 24;
 constexpr double kEntryHeight = 36;
-constexpr double kTouchMargin = 8;   // of a button, beyond its title
 
 CGRect mirroredIn(CGRect rect, double width)
 {
@@ -52,7 +51,7 @@ ComposerCard::ComposerCard(UIViewController controller, ComposerKind kind)
 
 void ComposerCard::addField(std::string_view name)
 {
-    Field field { makeText(name, kTextSize, graphics::FontWeight::kRegular, {}), makeHairline() };
+    Field field { makeText(name, kFieldTextSize, graphics::FontWeight::kRegular, {}), makeHairline() };
     field.name->setTextColor(UIColor::secondaryLabelColor());
     m_card.content().addSubview(field.name.get());
     m_card.content().addSubview(field.line);
@@ -64,12 +63,13 @@ void ComposerCard::addMessageBar(UIViewController controller)
     m_entry = make<UIView>();
     m_entry->setCornerRadius(kEntryHeight / 2);
     m_entry->setBackgroundColor(UIColor::dynamic(Color::hex(0xf2f2f7), Color::hex(0x2c2c2e)));
-    m_entryHint = makeText("Text Message", kTextSize, graphics::FontWeight::kRegular, {});
+    m_entryHint = makeText("Text Message", kFieldTextSize, graphics::FontWeight::kRegular, {});
     m_entryHint->setTextColor(UIColor::dynamic(Color::hex(0x3c3c43, 0.3), Color::hex(0xebebf5, 0.3)));
     m_entry->addSubview(m_entryHint.get());
     m_send = objc::retain(UIButton::buttonWithType(UIButton::cls(), NSInteger(UIButtonType::system)));
     m_send->setTitle(toNSString("Send"), ControlState::normal);
-    m_send->titleLabel().setFont(UIFont::systemFontOfSizeWeight(kTextSize, graphics::FontWeight::kSemibold));
+    m_send->titleLabel().setFont(
+        UIFont::systemFontOfSizeWeight(kFieldTextSize, graphics::FontWeight::kSemibold));
     m_send->addTarget(controller, objc::selector<"phone_sendPressed:">(), ControlEvent::touchUpInside);
     m_card.content().addSubview(m_entry);
     m_card.content().addSubview(m_send.get());
@@ -82,7 +82,7 @@ void ComposerCard::setRecipients(NSArray texts)
     m_recipients.clear();
     for (NSUInteger i = 0; i < texts.count(); ++i) {
         auto label =
-            makeText(toString(texts.objectAtIndex(i)), kTextSize, graphics::FontWeight::kRegular, {});
+            makeText(toString(texts.objectAtIndex(i)), kFieldTextSize, graphics::FontWeight::kRegular, {});
         label->setTextColor(UIColor::systemBlueColor());
         // Numbers and addresses read from left to right, also between Hebrew words.
         label->setSemanticContentAttribute(NSInteger(SemanticContent::forceLeftToRight));
@@ -115,8 +115,8 @@ void ComposerCard::layOut(CGRect bounds)
 {
     double const width = bounds.size.width;
     UIEdgeInsets const insets = usableInsets();
-    double const left = insets.left + kMargin;
-    double const right = width - insets.right - kMargin;
+    double const left = insets.left + kFieldMargin;
+    double const right = width - insets.right - kFieldMargin;
     double y = 0;
     for (std::size_t i = 0; i < m_fields.size(); ++i) {
         auto const& [name, line] = m_fields[i];

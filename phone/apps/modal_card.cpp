@@ -17,14 +17,13 @@ using graphics::Color;
 
 // Points, as on phones; the card's distance from the top and its corners measured on iOS 13.
 constexpr double kStatusBar = 20;
-constexpr double kCardGap = 10;
+constexpr double kGapAboveCard = 10;
 constexpr double kCardRadius = 10;
 constexpr double kSheetBar = 56;
 constexpr double kScreenBar = 44;
 constexpr double kBarMargin = 16;
-constexpr double kTouchMargin = 8;   // of a button, beyond its title
 constexpr double kTitleMargin = 92;
-constexpr double kSlideSeconds = 0.4;
+constexpr double kCardSlideSeconds = 0.4;
 
 constexpr int kFirstWithCards = 13;   // iOS
 
@@ -105,7 +104,7 @@ void ModalCard::layOut(CGRect bounds)
 {
     bool const card = isCard(bounds);
     UIEdgeInsets const insets = usableInsets();
-    double const top = card ? insets.top + kCardGap : 0;
+    double const top = card ? insets.top + kGapAboveCard : 0;
     m_dimming->setFrame(bounds);
     m_dimming->setHidden(!card);
     m_card->setCornerRadius(card ? kCardRadius : 0);
@@ -147,7 +146,7 @@ void ModalCard::animate(bool presenting, std::function<void()> done) const
         card->setTransform(translation(0, distance));
     }
     animateWithOptions(
-        kSlideSeconds, 0, AnimationOption::curveEaseOut,
+        kCardSlideSeconds, 0, AnimationOption::curveEaseOut,
         [dimming, card, presenting, distance] {
             dimming->setAlpha(presenting ? 1 : 0);
             card->setTransform(presenting ? kIdentity : translation(0, distance));

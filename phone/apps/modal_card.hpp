@@ -16,6 +16,8 @@
 
 namespace phone {
 
+inline constexpr double kTouchMargin = 8;   // points, of a button without a shape, beyond its title
+
 class ModalCard {
 public:
     enum class Side { leading, trailing };

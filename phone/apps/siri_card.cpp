@@ -17,8 +17,8 @@ using graphics::Color;
 
 // Over calls, under alerts.
 constexpr double kSiriLevel = 1070;
-constexpr double kOrb = 96;      // points
-constexpr double kMargin = 28;   // points
+constexpr double kOrb = 96;          // points
+constexpr double kSiriMargin = 28;   // points
 
 using SiriWindow = OverlayWindow<"SBAssistantWindow", "SBAssistantRootViewController">;
 
@@ -42,7 +42,7 @@ struct SiriTarget : objc::subclass<SiriTarget, "SBAssistantTarget", NSObject> {
     }
 };
 
-SiriTarget target()
+SiriTarget siriTarget()
 {
     static objc::ref<SiriTarget>& made =
         *new objc::ref<SiriTarget>(objc::adopt(SiriTarget::alloc().init<SiriTarget>()));
@@ -75,7 +75,7 @@ objc::ref<LayoutView> makeCard(std::string const& text)
 {
     auto const touchable = make<UIControl>();
     touchable->setAccessibilityLabel(toNSString("Siri"));
-    touchable->addTarget(target(), objc::selector<"phone_touched:">(), ControlEvent::touchUpInside);
+    touchable->addTarget(siriTarget(), objc::selector<"phone_touched:">(), ControlEvent::touchUpInside);
     auto const blur = makeBlur(2, 0);
     blur->setUserInteractionEnabled(false);
     auto const label = makeText(text, 28, graphics::FontWeight::kMedium, Color::white());
@@ -90,8 +90,8 @@ objc::ref<LayoutView> makeCard(std::string const& text)
     auto const edges = std::make_shared<ScreenEdges>(card.get(), Color::white());
     card->setLayout([blur, touchable, label, orb, edges](CGRect bounds) {
         UIEdgeInsets const insets = usableInsets();
-        double const left = insets.left + kMargin;
-        double const width = bounds.size.width - left - insets.right - kMargin;
+        double const left = insets.left + kSiriMargin;
+        double const width = bounds.size.width - left - insets.right - kSiriMargin;
         blur->setFrame(bounds);
         touchable->setFrame(bounds);
         double const top = insets.top + 40;

@@ -7,7 +7,7 @@ using namespace graphics;
 
 namespace {
 
-constexpr double kGrid = 100;
+constexpr double kBadgeGrid = 100;
 
 constexpr Color kIcing = Color::hex(0xff5c8a);
 constexpr Color kIcingLight = Color::hex(0xff8fb0);
@@ -67,7 +67,7 @@ Bitmap birthdayCake(Size points, double scale)
     Bitmap const bitmap = Bitmap::withPoints(points, scale);
     Context const owner = bitmap.newContext();
     cairo_t* const context = owner.get();
-    cairo_scale(context, points.width / kGrid, points.height / kGrid);
+    cairo_scale(context, points.width / kBadgeGrid, points.height / kBadgeGrid);
 
     // A white rim as stickers have, so that the cake stands off any photo.
     cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);

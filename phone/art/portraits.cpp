@@ -9,7 +9,7 @@ using namespace graphics;
 
 namespace {
 
-constexpr double kGrid = 200;   // all shapes below are on a square of this side
+constexpr double kPortraitGrid = 200;   // all shapes below are on a square of this side
 constexpr double kMiddle = 100;
 
 }   // namespace
@@ -40,7 +40,7 @@ void paintBackdrop(cairo_t* context, Portrait const& portrait)
 {
     Color const top = Color::hex(portrait.backdropTop);
     Color const bottom = Color::hex(portrait.backdropBottom);
-    cairo_pattern_t* const gradient = cairo_pattern_create_linear(20, 0, 180, kGrid);
+    cairo_pattern_t* const gradient = cairo_pattern_create_linear(20, 0, 180, kPortraitGrid);
     cairo_pattern_add_color_stop_rgb(gradient, 0, top.red, top.green, top.blue);
     cairo_pattern_add_color_stop_rgb(gradient, 1, bottom.red, bottom.green, bottom.blue);
     cairo_set_source(context, gradient);
@@ -463,7 +463,7 @@ Bitmap drawPortrait(Portrait const& portrait, int sidePixels)
     Bitmap const bitmap = Bitmap::withPixels(sidePixels, sidePixels);
     Context const owner = bitmap.newContext();
     cairo_t* const context = owner.get();
-    cairo_scale(context, sidePixels / kGrid, sidePixels / kGrid);
+    cairo_scale(context, sidePixels / kPortraitGrid, sidePixels / kPortraitGrid);
     paintBackdrop(context, portrait);
     paintHairBehind(context, portrait);
     paintShoulders(context, portrait);

@@ -1,33 +1,17 @@
 #include "phone/automation/access_check.hpp"
 
+#include "phone/kernel/ascii.hpp"
+
 #include <arpa/inet.h>
 
 #include <algorithm>
-#include <cctype>
 
 namespace phone {
 
 namespace {
 
 constexpr int kHttpPort = 80;
-
-std::string lower(std::string_view text)
-{
-    std::string result(text);
-    for (char& c : result)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return result;
-}
-
-std::string trimmed(std::string_view text)
-{
-    auto const isSpace = [](char c) { return c == ' ' || c == '\t'; };
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    return std::string(text);
-}
+constexpr std::string_view kHttpSpaces = " \t";
 
 bool isAddress(std::string const& name)
 {
@@ -40,12 +24,12 @@ bool isAddress(std::string const& name)
 bool isOurHost(std::string const& host, AccessRules const& rules)
 {
     std::string const port = ":" + std::to_string(rules.port);
-    std::string const given = lower(host);
+    std::string const given = lowercase(host);
     if (rules.allowsAddresses && given.ends_with(port)
         && isAddress(given.substr(0, given.size() - port.size())))
         return true;
     return std::ranges::any_of(rules.hosts, [&](std::string const& name) {
-        return given == lower(name) + port || (rules.port == kHttpPort && given == lower(name));
+        return given == lowercase(name) + port || (rules.port == kHttpPort && given == lowercase(name));
     });
 }
 
@@ -53,13 +37,13 @@ bool isJson(std::string const& contentType)
 {
     std::string_view rest(contentType);
     std::size_t const end = std::min(rest.find(';'), rest.size());
-    if (lower(trimmed(rest.substr(0, end))) != "application/json")
+    if (lowercase(trimmed(rest.substr(0, end), kHttpSpaces)) != "application/json")
         return false;
     rest.remove_prefix(end);
     while (!rest.empty()) {
         rest.remove_prefix(1);
         std::size_t const next = std::min(rest.find(';'), rest.size());
-        std::string parameter = lower(trimmed(rest.substr(0, next)));
+        std::string parameter = lowercase(trimmed(rest.substr(0, next), kHttpSpaces));
         std::erase_if(parameter, [](char c) { return c == '"' || c == ' '; });
         if (parameter.starts_with("charset=") && parameter != "charset=utf-8" && parameter != "charset=utf8")
             return false;
@@ -77,8 +61,8 @@ Answer<void> checkAccess(RequestHead const& request, AccessRules const& rules)
     if (request.origins.size() > 1)
         return CommandError { ErrorCode::forbidden, "a request has one Origin" };
     if (request.origins.size() == 1) {
-        std::string const origin = lower(request.origins[0]);
-        std::string own = "http://" + lower(request.hosts[0]);
+        std::string const origin = lowercase(request.origins[0]);
+        std::string own = "http://" + lowercase(request.hosts[0]);
         bool isOurs = origin == own;
         // A browser leaves HTTP's own port out; others may spell it.
         if (rules.port == kHttpPort)
@@ -86,7 +70,7 @@ Answer<void> checkAccess(RequestHead const& request, AccessRules const& rules)
         // No page of the web can claim to come from a file.
         bool const isAllowed = origin == "file://"
             || std::ranges::any_of(
-                rules.origins, [&](std::string const& each) { return lower(each) == origin; });
+                rules.origins, [&](std::string const& each) { return lowercase(each) == origin; });
         if (!isOurs && !isAllowed)
             return CommandError { ErrorCode::forbidden,
                 "requests from " + request.origins[0].substr(0, 200)

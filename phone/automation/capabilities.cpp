@@ -1,5 +1,7 @@
 #include "phone/automation/capabilities.hpp"
 
+#include "phone/kernel/ascii.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -11,7 +13,7 @@ namespace {
 constexpr std::string_view kStandard[] { "browserName", "browserVersion", "platformName",
     "acceptInsecureCerts", "pageLoadStrategy", "proxy", "setWindowRect", "timeouts",
     "strictFileInteractability", "unhandledPromptBehavior", "userAgent", "webSocketUrl" };
-constexpr std::string_view kPrefix = "appium:";
+constexpr std::string_view kVendorPrefix = "appium:";
 constexpr double kLargestTimeout = 9007199254740991;   // 2^53 - 1, milliseconds
 
 bool isOneOf(Json const& value, std::initializer_list<char const*> words)
@@ -22,13 +24,6 @@ bool isOneOf(Json const& value, std::initializer_list<char const*> words)
 }
 
 bool isStandard(std::string_view name) { return std::ranges::find(kStandard, name) != std::end(kStandard); }
-
-std::string lower(std::string text)
-{
-    for (char& c : text)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
 
 Answer<void> checkProxy(Json const& proxy)
 {
@@ -96,7 +91,8 @@ Answer<Json> normalized(Json const& given)
             if (!value.is_object())
                 return invalidArgument("`appium:options` is an object");
             for (auto const& [inner, innerValue] : value.items()) {
-                std::string const name = inner.starts_with(kPrefix) ? inner : std::string(kPrefix) + inner;
+                std::string const name =
+                    inner.starts_with(kVendorPrefix) ? inner : std::string(kVendorPrefix) + inner;
                 if (!innerValue.is_null())
                     set[name] = innerValue;
             }
@@ -110,7 +106,7 @@ Answer<Json> normalized(Json const& given)
             + unprefixed);
     Json result = Json::object();
     for (auto const& [key, value] : set.items()) {
-        std::string const bare = key.starts_with(kPrefix) ? key.substr(kPrefix.size()) : key;
+        std::string const bare = key.starts_with(kVendorPrefix) ? key.substr(kVendorPrefix.size()) : key;
         std::string const name = isStandard(bare) ? bare : key;
         if (isStandard(name)) {
             if (auto const checked = checkStandard(name, value); !checked)
@@ -129,7 +125,7 @@ std::string obstacle(Json const& set, PhoneFacts const& facts)
         return at != set.end() && at->is_string() ? at->get<std::string>() : std::string();
     };
     auto const differs = [&](char const* name, std::string const& served) {
-        return set.contains(name) && lower(text(name)) != lower(served);
+        return set.contains(name) && lowercase(text(name)) != lowercase(served);
     };
     if (differs("platformName", "iOS"))
         return "the platform is iOS";
@@ -237,7 +233,7 @@ Json flatCapabilities(Json const& capabilities)
 {
     Json flat = Json::object();
     for (auto const& [key, value] : capabilities.items())
-        flat[key.starts_with(kPrefix) ? key.substr(kPrefix.size()) : key] = value;
+        flat[key.starts_with(kVendorPrefix) ? key.substr(kVendorPrefix.size()) : key] = value;
     return flat;
 }
 

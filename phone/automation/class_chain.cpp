@@ -9,7 +9,6 @@ namespace phone {
 
 namespace {
 
-constexpr std::size_t kMaxLength = 64 * 1024;
 constexpr int kMaxPosition = 1'000'000;
 constexpr std::string_view kAnyType = "XCUIElementTypeAny";
 
@@ -24,8 +23,8 @@ public:
 
     Answer<ClassChain> parse()
     {
-        if (m_text.size() > kMaxLength)
-            return CommandError { ErrorCode::invalidSelector, "a class chain has at most 65536 bytes" };
+        if (m_text.size() > kLongestQuery)
+            return invalidSelector("a class chain has at most 65536 bytes");
         ClassChain chain;
         do {
             ClassChain::Step step;

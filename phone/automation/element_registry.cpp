@@ -6,7 +6,7 @@ namespace phone {
 
 namespace {
 
-constexpr std::string_view kPrefix = "element-";
+constexpr std::string_view kElementPrefix = "element-";
 
 }
 
@@ -24,18 +24,18 @@ std::string ElementRegistry::nameOf(objc::handle object)
         m_numbers[object.object] = number;
         m_objects.emplace(number, Weak<objc::handle>(object));
     }
-    return std::string(kPrefix) + std::to_string(number);
+    return std::string(kElementPrefix) + std::to_string(number);
 }
 
 Answer<objc::handle> ElementRegistry::objectOf(std::string const& name) const
 {
     std::uint64_t number = 0;
     char const* const end = name.data() + name.size();
-    bool isName = name.starts_with(kPrefix);
+    bool isName = name.starts_with(kElementPrefix);
     if (isName) {
-        auto const [stop, failure] = std::from_chars(name.data() + kPrefix.size(), end, number);
+        auto const [stop, failure] = std::from_chars(name.data() + kElementPrefix.size(), end, number);
         isName = failure == std::errc() && stop == end && number > 0
-            && name == std::string(kPrefix) + std::to_string(number);
+            && name == std::string(kElementPrefix) + std::to_string(number);
     }
     if (!isName || number > m_given)
         return CommandError { ErrorCode::noSuchElement, "no element was ever named \"" + name + "\"" };

@@ -22,8 +22,6 @@ constexpr std::string_view kTypes[] { "Any", "Other", "Application", "Group", "W
     "HelpTag", "Matte", "DockItem", "Ruler", "RulerMarker", "Grid", "LevelIndicator", "Cell", "LayoutArea",
     "LayoutItem", "Handle", "Stepper", "Tab", "TouchBar", "StatusItem" };
 
-constexpr std::string_view kTypePrefix = "XCUIElementType";
-
 AttributeValue textOrNone(std::optional<std::string> const& text)
 {
     if (text)

@@ -83,6 +83,8 @@ std::string const& attributeNames();
 // As the wire has it: booleans as "true" and "false", numbers as text, a rect as JSON. Null for none.
 Json attributeText(AttributeValue const& value);
 
+inline constexpr std::string_view kTypePrefix = "XCUIElementType";
+
 // Is it one of XCUITest's type names? With `XCUIElementTypeAny`.
 bool isElementType(std::string_view name);
 

@@ -54,6 +54,10 @@ inline CommandError invalidArgument(std::string message)
 {
     return { ErrorCode::invalidArgument, std::move(message) };
 }
+inline CommandError invalidSelector(std::string message)
+{
+    return { ErrorCode::invalidSelector, std::move(message) };
+}
 
 // {"error", "message", "stacktrace"}, all texts. The message begins with the code's own words: two widespread clients look for
 // them there.

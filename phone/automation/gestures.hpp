@@ -10,6 +10,8 @@
 
 namespace phone {
 
+inline constexpr double kTapSeconds = 0.05;   // that a finger is down
+
 class Gestures {
 public:
     // Lets the phone's time pass, seconds: moves a manual clock, waits with a running one.

@@ -11,8 +11,6 @@ namespace {
 
 using Found = Answer<std::vector<std::size_t>>;
 
-constexpr std::string_view kTypePrefix = "XCUIElementType";
-
 template <class Matches>
 auto searchWhere(Matches matches)
 {
@@ -31,8 +29,6 @@ auto searchByName(std::string const& name)
 {
     return searchWhere([name](Element const& element, SearchLimit&) { return element.name() == name; });
 }
-
-CommandError invalid(std::string message) { return { ErrorCode::invalidSelector, std::move(message) }; }
 
 // `*[id="Ben"]`, `*[name="Ben"]`, `#Ben`: what selenium's By.id and By.name become. None for any other selector.
 std::optional<std::string> nameOfCssSelector(std::string const& text)
@@ -114,7 +110,7 @@ Answer<Locator> Locator::make(std::string const& strategy, std::string const& va
     if (strategy == "css selector") {
         auto const name = nameOfCssSelector(value);
         if (!name)
-            return invalid(
+            return invalidSelector(
                 "a phone has no CSS; of its selectors only #name, *[id=\"…\"] and *[name=\"…\"] are "
                 "understood, not "
                 + value);
@@ -125,7 +121,8 @@ Answer<Locator> Locator::make(std::string const& strategy, std::string const& va
         std::string const key = sign == std::string::npos ? "name" : value.substr(0, sign);
         std::string const wanted = sign == std::string::npos ? value : value.substr(sign + 1);
         if (!attributeOf(Element {}, key))
-            return invalid("no element has an attribute \"" + key + "\"; there are " + attributeNames());
+            return invalidSelector(
+                "no element has an attribute \"" + key + "\"; there are " + attributeNames());
         bool const isPartial = strategy == "partial link text";
         return Locator(
             description, searchWhere([key, wanted, isPartial](Element const& element, SearchLimit&) {
@@ -136,7 +133,7 @@ Answer<Locator> Locator::make(std::string const& strategy, std::string const& va
                 return isPartial ? whole.find(wanted) != std::string::npos : whole == wanted;
             }));
     }
-    return invalid("no strategy \"" + strategy
+    return invalidSelector("no strategy \"" + strategy
         + "\"; there are accessibility id, id, name, class name, xpath, -ios predicate string, -ios class chain");
 }
 

@@ -2,6 +2,7 @@
 #include "phone/automation/mobile_scripts.hpp"
 
 #include "phone/automation/scripts/script_targets.hpp"
+#include "phone/kernel/ascii.hpp"
 #include "phone/phone.hpp"
 #include "phone/springboard/springboard_state.hpp"
 #include "phone/uikit/ui_screen.hpp"
@@ -14,18 +15,10 @@ namespace phone {
 
 namespace {
 
-constexpr double kTapSeconds = 0.05;
 constexpr double kBetweenTaps = 0.1;
 constexpr double kSwipeSeconds = 0.15;
 constexpr double kScrollSeconds = 0.6;
 constexpr double kFingersApart = 40;   // points, of two that tap at once
-
-std::string lower(std::string text)
-{
-    for (char& c : text)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
 
 }
 
@@ -62,7 +55,7 @@ Answer<Json> MobileScripts::isLocked()
 
 Answer<Json> MobileScripts::pressButton()
 {
-    std::string const name = lower(m_in.text("name"));
+    std::string const name = lowercase(m_in.text("name"));
     constexpr std::string_view kNames[] { "home", "volumeup", "volumedown", "action", "camera", "lock",
         "power" };
     if (std::ranges::find(kNames, name) == std::end(kNames))

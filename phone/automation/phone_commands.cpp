@@ -19,7 +19,6 @@ namespace phone {
 
 namespace {
 
-constexpr double kTapSeconds = 0.05;
 constexpr double kSearchStep = 0.1;     // seconds between two looks while a search waits
 constexpr double kLongestWait = 3600;   // seconds that a search waits at most, whatever the session's timeout
 constexpr double kLongestAnimation = 2;   // seconds that a tap waits for a view that moves to take touches

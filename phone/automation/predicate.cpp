@@ -10,7 +10,6 @@ namespace {
 using Node = Predicate::Node;
 using NodePointer = std::shared_ptr<Node const>;
 
-constexpr std::size_t kMaxLength = 64 * 1024;
 constexpr int kMaxDepth = 64;
 
 struct OperatorName {
@@ -49,8 +48,8 @@ public:
 
     Answer<NodePointer> parse()
     {
-        if (m_text.size() > kMaxLength)
-            return CommandError { ErrorCode::invalidSelector, "a predicate has at most 65536 bytes" };
+        if (m_text.size() > kLongestQuery)
+            return invalidSelector("a predicate has at most 65536 bytes");
         NodePointer const root = disjunction(0);
         skipSpace();
         if (!m_failure && m_at < m_text.size())

@@ -2,6 +2,7 @@
 #include "phone/automation/mobile_scripts.hpp"
 
 #include "phone/automation/scripts/script_targets.hpp"
+#include "phone/kernel/ascii.hpp"
 #include "phone/phone.hpp"
 
 namespace phone {
@@ -9,16 +10,6 @@ namespace phone {
 namespace {
 
 constexpr double kUnlockSeconds = 2;   // in which an unlock has happened, or never will
-
-std::string trimmed(std::string_view text)
-{
-    auto const isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    return std::string(text);
-}
 
 }
 
@@ -75,10 +66,10 @@ Answer<Json> PhoneCommands::executeScript(PhoneCommand const& command)
     }
 
     auto const colon = text.find(':');
-    std::string const prefix = colon == std::string::npos ? "" : trimmed(text.substr(0, colon));
+    std::string const prefix(colon == text.npos ? "" : trimmed(std::string_view(text).substr(0, colon)));
     if (prefix != "mobile" && prefix != "phone")
         return unknownScript(text.substr(0, 80));
-    std::string const name = trimmed(text.substr(colon + 1));
+    std::string const name(trimmed(std::string_view(text).substr(colon + 1)));
     if (arguments.size() > 1)
         return invalidArgument("`args` holds one object");
     Json const object = arguments.empty() || arguments[0].is_null() ? Json::object() : arguments[0];

@@ -6,10 +6,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 
 namespace phone {
 
 inline constexpr double kSearchSeconds = 5;   // chosen by us: what testers write takes milliseconds
+inline constexpr std::size_t kLongestQuery =
+    64 * 1024;   // bytes of a predicate, class chain or XPath; likewise
 
 class SearchLimit {
 public:

@@ -23,14 +23,10 @@ namespace {
 
 using Found = Answer<std::vector<std::size_t>>;
 
-constexpr std::size_t kMaxExpression = 64 * 1024;
-
 // Bounds of what is evaluated right here: some tenths of a second at worst.
 constexpr std::size_t kQuickExpression = 1024;
 constexpr std::size_t kQuickElements = 500;
 constexpr int kQuickSteps = 6;   // in predicates
-
-CommandError invalid(std::string message) { return { ErrorCode::invalidSelector, std::move(message) }; }
 
 // `XCUIElementTypeAny` is no element's name; texts in quotes stay as they are.
 std::string withAnyAsStar(std::string_view expression)
@@ -70,7 +66,7 @@ Found evaluated(
     std::vector<std::size_t> result;
     for (pugi::xpath_node const& each : found) {
         if (each.attribute())
-            return invalid("this XPath gives attributes, not elements: " + std::string(expression));
+            return invalidSelector("this XPath gives attributes, not elements: " + std::string(expression));
         // The document itself, as `/` gives it, is no element.
         if (auto const at = numbers.find(each.node().internal_object()); at != numbers.end())
             result.push_back(at->second);
@@ -188,28 +184,28 @@ bool isQuickXpath(std::string_view expression, std::size_t elements)
 
 Found findByXpath(ElementTree const& tree, std::size_t start, std::string_view expression, SearchLimit& limit)
 {
-    if (expression.size() > kMaxExpression)
-        return invalid("an XPath has at most 65536 bytes");
+    if (expression.size() > kLongestQuery)
+        return invalidSelector("an XPath has at most 65536 bytes");
     // The library's own texts end at a zero byte.
     if (expression.find('\0') != std::string_view::npos)
-        return invalid("an XPath has no zero byte");
+        return invalidSelector("an XPath has no zero byte");
     try {
         pugi::xpath_query const query(withAnyAsStar(expression).c_str());
         if (query.return_type() != pugi::xpath_type_node_set)
-            return invalid("this XPath gives a value, not elements: " + std::string(expression));
+            return invalidSelector("this XPath gives a value, not elements: " + std::string(expression));
         auto const search = [&]() -> Found {
             try {
                 return evaluated(query, tree, start, expression);
             } catch (std::bad_alloc const&) {
-                return invalid("this XPath is too large");
+                return invalidSelector("this XPath is too large");
             }
         };
         return isQuickXpath(expression, tree.size()) ? search() : searchedApart(limit, search);
     } catch (pugi::xpath_exception const& failure) {
-        return invalid(
+        return invalidSelector(
             "XPath, position " + std::to_string(failure.result().offset + 1) + ": " + failure.what());
     } catch (std::bad_alloc const&) {
-        return invalid("this XPath is too large");
+        return invalidSelector("this XPath is too large");
     }
 }
 

@@ -15,7 +15,7 @@ void useSize(Options options, double width, double height)
 // From iOS 13 on the strip is dark unless it is told otherwise, also where the system's appearance is light.
 Json lightStrip() { return Json::object({ { "darkMode", false } }); }
 
-constexpr Scene kScenes[] {
+constexpr Scene kLockScreenScenes[] {
     { "ios16-dark", "iOS 16.1, dark",
         "The lock screen of iOS 16 in the dark appearance: the strip lies under the notifications, as their "
         "last item.",
@@ -148,7 +148,7 @@ constexpr Scene kScenes[] {
 
 }
 
-std::span<Scene const> lockScreenScenes() { return kScenes; }
+std::span<Scene const> lockScreenScenes() { return kLockScreenScenes; }
 
 std::vector<Scene> demoScenes()
 {

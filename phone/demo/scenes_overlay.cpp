@@ -62,7 +62,7 @@ void turnFor(Phone& device)
     static_cast<void>(device.advance(Milliseconds / 1000.0));
 }
 
-constexpr Scene kScenes[] {
+constexpr Scene kOverlayScenes[] {
     { "overlay", "Over an application",
         "A gesture has brought a second strip down over the application in front. It takes the touches that it "
         "lies under; the one beside it has reached the application, which shows where.",
@@ -117,6 +117,6 @@ constexpr Scene kScenes[] {
 
 }
 
-std::span<Scene const> overlayScenes() { return kScenes; }
+std::span<Scene const> overlayScenes() { return kOverlayScenes; }
 
 }

@@ -25,7 +25,7 @@ void pick(Phone& device)
         finger.tap(name);
 }
 
-constexpr Scene kScenes[] {
+constexpr Scene kPickerScenes[] {
     { "refusal", "Not while it is locked", "Contacts can be added only when the passcode has been given.",
         [](Options options) {
             useEmptyList(options);
@@ -54,6 +54,6 @@ constexpr Scene kScenes[] {
 
 }
 
-std::span<Scene const> pickerScenes() { return kScenes; }
+std::span<Scene const> pickerScenes() { return kPickerScenes; }
 
 }

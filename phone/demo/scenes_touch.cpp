@@ -26,7 +26,7 @@ void tapAndUnlock(Phone& device)
     finger.typePasscode(*device.options().passcode);
 }
 
-constexpr Scene kScenes[] {
+constexpr Scene kTouchScenes[] {
     { "haptic", "A tap",
         "The moment of a tap: the motor taps, which the waves at the sides stand for, and the button has faded.",
         [](Options options) {
@@ -131,6 +131,6 @@ constexpr Scene kScenes[] {
 
 }
 
-std::span<Scene const> touchScenes() { return kScenes; }
+std::span<Scene const> touchScenes() { return kTouchScenes; }
 
 }

@@ -11,7 +11,7 @@ namespace phone::graphics {
 
 namespace {
 
-constexpr double kPi = std::numbers::pi;
+using std::numbers::pi;
 constexpr double kSide = 60;   // points of the grid that icons are drawn on
 constexpr double kCornerRadius = 13.5;
 constexpr Color kWhite = Color::white();
@@ -32,7 +32,7 @@ void drawPhone(cairo_t* context)
 {
     fillTile(context, Color::hex(0x6be37c), Color::hex(0x1fb141));
     cairo_translate(context, 30, 30);
-    cairo_rotate(context, -kPi * 3 / 4);
+    cairo_rotate(context, -pi * 3 / 4);
     cairo_new_path(context);
     cairo_move_to(context, -17.6, -1.6);
     cairo_curve_to(context, -14, -9.6, 14, -9.6, 17.6, -1.6);
@@ -147,7 +147,7 @@ void drawSettings(cairo_t* context)
     constexpr int kTeeth = 9;
     for (int i = 0; i < kTeeth; ++i) {
         cairo_save(context);
-        cairo_rotate(context, i * 2 * kPi / kTeeth);
+        cairo_rotate(context, i * 2 * pi / kTeeth);
         addRoundedRect(context, { -3.3, -19.5, 6.6, 9 }, 1.9);
         fill(context, Color::hex(0xf4f5f8));
         cairo_restore(context);

@@ -9,7 +9,7 @@ namespace phone::graphics {
 
 namespace {
 
-constexpr double kPi = std::numbers::pi;
+using std::numbers::pi;
 
 // Drawn in their own boxes, in the context's current colour, which is opaque.
 
@@ -42,8 +42,8 @@ void drawTorch(cairo_t* context)   // 12 x 25
     cairo_line_to(context, 12, 4.6);
     cairo_curve_to(context, 12, 8, 9.3, 8.3, 9.3, 11.2);
     cairo_line_to(context, 9.3, 23.4);
-    cairo_arc(context, 7.7, 23.4, 1.6, 0, kPi / 2);
-    cairo_arc(context, 4.3, 23.4, 1.6, kPi / 2, kPi);
+    cairo_arc(context, 7.7, 23.4, 1.6, 0, pi / 2);
+    cairo_arc(context, 4.3, 23.4, 1.6, pi / 2, pi);
     cairo_line_to(context, 2.7, 11.2);
     cairo_curve_to(context, 2.7, 8.3, 0, 8, 0, 4.6);
     cairo_close_path(context);
@@ -59,10 +59,10 @@ void drawCamera(cairo_t* context)   // 28 x 22
     cairo_line_to(context, 17, 0);
     cairo_curve_to(context, 19.2, 0, 19.1, 3.6, 20.6, 3.6);
     cairo_line_to(context, 24.4, 3.6);
-    cairo_arc(context, 24.2, 7.4, 3.8, -kPi / 2, 0);
-    cairo_arc(context, 24.2, 18.2, 3.8, 0, kPi / 2);
-    cairo_arc(context, 3.8, 18.2, 3.8, kPi / 2, kPi);
-    cairo_arc(context, 3.8, 7.4, 3.8, kPi, kPi * 3 / 2);
+    cairo_arc(context, 24.2, 7.4, 3.8, -pi / 2, 0);
+    cairo_arc(context, 24.2, 18.2, 3.8, 0, pi / 2);
+    cairo_arc(context, 3.8, 18.2, 3.8, pi / 2, pi);
+    cairo_arc(context, 3.8, 7.4, 3.8, pi, pi * 3 / 2);
     cairo_close_path(context);
     addCircle(context, { 14, 12.3 }, 6.1);
     addCircle(context, { 14, 12.3 }, 4.3);
@@ -80,7 +80,7 @@ void drawPadlock(cairo_t* context, bool isOpen)   // 18 x 24, open 27 x 24
     double const top = kWidth / 2 + kRadius;
     cairo_move_to(context, middle - kRadius, 12);
     cairo_line_to(context, middle - kRadius, top);
-    cairo_arc(context, middle, top, kRadius, kPi, 2 * kPi);
+    cairo_arc(context, middle, top, kRadius, pi, 2 * pi);
     cairo_line_to(context, middle + kRadius, isOpen ? 9.4 : 12);
     strokeRound(context, kWidth);
 }
@@ -154,8 +154,8 @@ void drawDeleteKey(cairo_t* context)   // 24 x 18
     cairo_line_to(context, 7.6, 1.9);
     cairo_curve_to(context, 8, 1.4, 8.5, 0.9, 9.4, 0.9);
     cairo_line_to(context, 20.4, 0.9);
-    cairo_arc(context, 20.4, 3.6, 2.7, -kPi / 2, 0);
-    cairo_arc(context, 20.4, 14.4, 2.7, 0, kPi / 2);
+    cairo_arc(context, 20.4, 3.6, 2.7, -pi / 2, 0);
+    cairo_arc(context, 20.4, 14.4, 2.7, 0, pi / 2);
     cairo_line_to(context, 9.4, 17.1);
     cairo_curve_to(context, 8.5, 17.1, 8, 16.6, 7.6, 16.1);
     cairo_close_path(context);
@@ -292,8 +292,8 @@ void fitBox(cairo_t* context, Size box, Rect const& rect)
 // A ring's part within 45 degrees of straight up; radius 0 inside makes it a wedge.
 void addWifiArc(cairo_t* context, double inner, double outer)
 {
-    constexpr double kStart = -kPi * 3 / 4;
-    constexpr double kEnd = -kPi / 4;
+    constexpr double kStart = -pi * 3 / 4;
+    constexpr double kEnd = -pi / 4;
     cairo_new_sub_path(context);
     cairo_arc(context, 0, 0, outer, kStart, kEnd);
     if (inner > 0)
@@ -377,7 +377,7 @@ void drawBattery(cairo_t* context, Rect const& rect, double level, Color const& 
     addRoundedRect(context, { 0.5, 0.5, 22, 11 }, 3.4);
     stroke(context, outline, 1);
     cairo_new_sub_path(context);
-    cairo_arc(context, 23.9, 6, 2.1, -kPi / 2.6, kPi / 2.6);
+    cairo_arc(context, 23.9, 6, 2.1, -pi / 2.6, pi / 2.6);
     cairo_close_path(context);
     fill(context, outline);
     double const share = std::isfinite(level) ? std::clamp(level, 0.0, 1.0) : 0;

@@ -7,7 +7,7 @@ namespace phone::graphics {
 
 namespace {
 
-constexpr double kPi = std::numbers::pi;
+using std::numbers::pi;
 
 // How much longer than its radius a continuous corner is on each side, given room.
 constexpr double kCornerSmoothing = 0.6;
@@ -33,8 +33,8 @@ ContinuousCorner continuousCorner(double radius, double room)
     // With less room than 1.6 radii the curve keeps its radius and gives up smoothness instead.
     double const smoothing = corner.radius > 0 ? std::min(kCornerSmoothing, room / corner.radius - 1) : 0;
     corner.reach = (1 + smoothing) * corner.radius;
-    corner.arcAngle = kPi / 2 * (1 - smoothing);
-    double const flank = (kPi / 2 - corner.arcAngle) / 2;   // turned by each Bezier
+    corner.arcAngle = pi / 2 * (1 - smoothing);
+    double const flank = (pi / 2 - corner.arcAngle) / 2;   // turned by each Bezier
     double const arcSide = std::sin(corner.arcAngle / 2) * corner.radius * std::numbers::sqrt2;
     double const handle = corner.radius * std::tan(flank / 2);
     corner.c = handle * std::cos(flank);
@@ -50,12 +50,12 @@ void addContinuousCorner(cairo_t* context, ContinuousCorner const& k, Point corn
 {
     cairo_save(context);
     cairo_translate(context, corner.x, corner.y);
-    cairo_rotate(context, quarterTurns * kPi / 2);
+    cairo_rotate(context, quarterTurns * pi / 2);
     double const reach = k.reach;
     double x = -reach;
     cairo_line_to(context, x, 0);
     cairo_curve_to(context, x + k.a, 0, x + k.a + k.b, 0, x + k.a + k.b + k.c, k.d);
-    double const start = -kPi / 4 - k.arcAngle / 2;
+    double const start = -pi / 4 - k.arcAngle / 2;
     cairo_arc(context, -k.radius, k.radius, k.radius, start, start + k.arcAngle);
     cairo_curve_to(context, 0, reach - k.a - k.b, 0, reach - k.a, 0, reach);
     cairo_restore(context);
@@ -71,7 +71,7 @@ void addRect(cairo_t* context, Rect const& rect)
 void addCircle(cairo_t* context, Point center, double radius)
 {
     cairo_new_sub_path(context);
-    cairo_arc(context, center.x, center.y, std::max(0.0, radius), 0, 2 * kPi);
+    cairo_arc(context, center.x, center.y, std::max(0.0, radius), 0, 2 * pi);
     cairo_close_path(context);
 }
 
@@ -104,10 +104,10 @@ void addRoundedRect(cairo_t* context, Rect const& rect, CornerRadii const& radii
         return;
     }
     cairo_new_sub_path(context);
-    cairo_arc(context, rect.maxX() - topRight, rect.y + topRight, topRight, -kPi / 2, 0);
-    cairo_arc(context, rect.maxX() - bottomRight, rect.maxY() - bottomRight, bottomRight, 0, kPi / 2);
-    cairo_arc(context, rect.x + bottomLeft, rect.maxY() - bottomLeft, bottomLeft, kPi / 2, kPi);
-    cairo_arc(context, rect.x + topLeft, rect.y + topLeft, topLeft, kPi, kPi * 3 / 2);
+    cairo_arc(context, rect.maxX() - topRight, rect.y + topRight, topRight, -pi / 2, 0);
+    cairo_arc(context, rect.maxX() - bottomRight, rect.maxY() - bottomRight, bottomRight, 0, pi / 2);
+    cairo_arc(context, rect.x + bottomLeft, rect.maxY() - bottomLeft, bottomLeft, pi / 2, pi);
+    cairo_arc(context, rect.x + topLeft, rect.y + topLeft, topLeft, pi, pi * 3 / 2);
     cairo_close_path(context);
 }
 

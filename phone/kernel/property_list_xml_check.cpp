@@ -1,5 +1,6 @@
 #include "phone/kernel/property_list_check.hpp"
 
+#include "phone/kernel/ascii.hpp"
 #include "phone/kernel/property_list.hpp"
 #include "phone/kernel/text_encoding.hpp"
 
@@ -13,22 +14,15 @@ namespace {
 
 enum class Content { values, keysAndValues, text, nothing, root };
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr std::string_view kXmlSpaces = " \t\n\r";
 
-std::string_view trimmed(std::string_view text)
-{
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
+bool isSpace(char c) { return kXmlSpaces.find(c) != kXmlSpaces.npos; }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Decimal or, after 0x, hexadecimal digits with or without a sign, as the platform takes them.
 bool isInteger(std::string_view text)
 {
-    text = trimmed(text);
+    text = trimmed(text, kXmlSpaces);
     if (text.starts_with('-') || text.starts_with('+'))
         text.remove_prefix(1);
     bool const isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
@@ -42,7 +36,7 @@ bool isInteger(std::string_view text)
 // A number in C's notation, or one of the names that the platform writes for what is none.
 bool isReal(std::string_view text)
 {
-    std::string const whole(trimmed(text));
+    std::string const whole(trimmed(text, kXmlSpaces));
     if (whole.empty() || whole.find_first_of("xX") != std::string::npos)
         return false;
     char* end = nullptr;
@@ -53,7 +47,7 @@ bool isReal(std::string_view text)
 // `2026-06-18T09:41:00Z`; the year may have a sign and more digits.
 bool isDate(std::string_view text)
 {
-    text = trimmed(text);
+    text = trimmed(text, kXmlSpaces);
     if (text.starts_with('-'))
         text.remove_prefix(1);
     std::size_t year = 0;

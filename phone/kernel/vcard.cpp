@@ -1,5 +1,6 @@
 #include "phone/kernel/vcard.hpp"
 
+#include "phone/kernel/ascii.hpp"
 #include "phone/kernel/base64.hpp"
 #include "phone/kernel/date.hpp"
 #include "phone/kernel/file.hpp"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdio>
 
 namespace phone {
@@ -40,23 +40,6 @@ constexpr TypeLabel kTypeLabels[] = {
     { "school", nullptr, "school" },
     { "other", nullptr, "other" },
 };
-
-std::string lowercase(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-        [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return result;
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-        text.remove_prefix(1);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-        text.remove_suffix(1);
-    return text;
-}
 
 std::string valueAt(VcardProperty const& property, std::size_t index)
 {

@@ -1,7 +1,8 @@
 #include "phone/kernel/vcard_syntax.hpp"
 
+#include "phone/kernel/ascii.hpp"
+
 #include <algorithm>
-#include <cctype>
 #include <dlfcn.h>
 #include <glib.h>
 #include <strings.h>
@@ -93,15 +94,6 @@ Line lineAt(std::string_view text, std::size_t begin)
     return { text.substr(begin, stop - begin), begin, end };
 }
 
-std::string_view withoutSpaces(std::string_view text)
-{
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-        text.remove_prefix(1);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-        text.remove_suffix(1);
-    return text;
-}
-
 // The head of a line without its CHARSET parameter.
 std::string withoutCharset(std::string_view head)
 {
@@ -170,7 +162,7 @@ VcardTexts splitVcards(std::string_view text)
         // Short lines alone can be the marks; a photo's long lines need no look.
         if (line.text.size() > 40)
             continue;
-        std::string const mark = capitals(withoutSpaces(line.text));
+        std::string const mark = capitals(trimmed(line.text));
         if (mark == "BEGIN:VCARD") {
             if (depth++ == 0)
                 begin = line.begin;

@@ -119,7 +119,7 @@ void storeVariable(objc::handle object, char const* name, objc::handle value)
 }
 
 template <class T>
-void defineController()
+void defineCoverSheetController()
 {
     objc::define<T>()
         .template ivar<kControllerKey, objc::handle>()   // the state owns it
@@ -171,9 +171,9 @@ void defineCoverSheet(ClassFamily family, CoverSheetAnswer answer)
         .method<"touchesCancelled:withEvent:", &CoverSheetView::touchesEnded>()
         .install();
     if (family == ClassFamily::dashBoard)
-        defineController<DashBoardController>();
+        defineCoverSheetController<DashBoardController>();
     else
-        defineController<CoverSheetControllerClass>();
+        defineCoverSheetController<CoverSheetControllerClass>();
 
     objc::define<CoverSheetManager> manager;
     manager.class_method<"sharedInstance", &CoverSheetManager::sharedInstance>()

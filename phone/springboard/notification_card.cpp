@@ -12,7 +12,7 @@ namespace {
 constexpr double kPadding = 12;
 constexpr double kPlainHeight = 80;
 constexpr double kHeaderHeight = 104;
-constexpr double kIconSide = 38;
+constexpr double kBundleIconSide = 38;
 constexpr double kHeaderIconSide = 20;
 constexpr double kLine = 18;
 
@@ -71,8 +71,8 @@ void NotificationCard::layOut(CGRect frame)
         place(m_body, { kPadding, 56, inner, bodyHeight(inner) });
         return;
     }
-    double const text = kPadding + kIconSide + 11;
-    place(m_icon, { kPadding, (frame.size.height - kIconSide) / 2, kIconSide, kIconSide });
+    double const text = kPadding + kBundleIconSide + 11;
+    place(m_icon, { kPadding, (frame.size.height - kBundleIconSide) / 2, kBundleIconSide, kBundleIconSide });
     double const textWidth = width - text - kPadding;
     double const body = bodyHeight(textWidth);
     double const top = (frame.size.height - 19 - body) / 2;   // title and body together stand in the middle

@@ -101,7 +101,7 @@ bool isNumber(std::string const& code)
 }
 
 template <class T>
-void defineController()
+void definePasscodeController()
 {
     objc::define<T>()
         .template method<"viewDidDisappear:", &T::viewDidDisappear>()
@@ -140,9 +140,9 @@ void definePasscode(ClassFamily family)
         .method<"setHighlighted:", &PadKey::setHighlighted>()
         .install();
     if (family == ClassFamily::dashBoard)
-        defineController<DashBoardPasscode>();
+        definePasscodeController<DashBoardPasscode>();
     else
-        defineController<CoverSheetPasscode>();
+        definePasscodeController<CoverSheetPasscode>();
 }
 
 objc::ref<UIViewController> makePasscodeController(ClassFamily family)

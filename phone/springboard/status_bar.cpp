@@ -19,7 +19,7 @@ constexpr double kBatteryLevel = 0.78;
 constexpr graphics::Size kSignsSize { 74, 14 };
 constexpr double kSmallSignsScale = 0.85;   // in a bar without a cut-out
 
-constexpr double kTextSize = 15;
+constexpr double kBarTextSize = 15;
 constexpr double kSmallTextSize = 12;
 constexpr double kMarginInEnd = 12;
 
@@ -35,7 +35,7 @@ void drawSigns(DrawContext& context, graphics::Color const& color)
 StatusBar::StatusBar(UIView superview, StatusBarLeading leading)
     : m_leading(leading)
     , m_view(NamedView<"UIStatusBar_Modern">::make())
-    , m_text(makeText(kCarrier, kTextSize, graphics::FontWeight::kMedium, graphics::Color::white()))
+    , m_text(makeText(kCarrier, kBarTextSize, graphics::FontWeight::kMedium, graphics::Color::white()))
     , m_signs(DrawnView::make({}, {}))
 {
     identify(m_signs, "signal, wifi, battery");
@@ -72,7 +72,7 @@ void StatusBar::layOut(graphics::Rect frame, double end)
     // Beside the cut-out the line stands a little below the middle.
     double const middle = hasCutOut ? frame.height / 2 + 1 : frame.height / 2;
     CGSize const textSize =
-        hasCutOut ? fitText(kTextSize, end - 2 * kMarginInEnd) : fitText(kSmallTextSize, frame.width / 2);
+        hasCutOut ? fitText(kBarTextSize, end - 2 * kMarginInEnd) : fitText(kSmallTextSize, frame.width / 2);
     double const signsScale =
         hasCutOut ? std::min(1.0, (end - 2 * kMarginInEnd) / kSignsSize.width) : kSmallSignsScale;
 

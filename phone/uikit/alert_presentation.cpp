@@ -32,13 +32,13 @@ constexpr double kAlertMessageFont = 13;
 constexpr double kAlertPadding = 20;
 constexpr double kTitleGap = 2;   // between title and message
 constexpr double kSheetTitleGap = 7;
-constexpr double kEdgeGap = 20;   // kept free above and below an alert
+constexpr double kAlertGap = 20;   // kept free above and below an alert
 constexpr double kIconInset = 16;
-constexpr double kIconSide = 30;   // images are no larger
+constexpr double kActionIconSide = 30;   // images are no larger
 constexpr double kRowPadding = 16;
 
-constexpr double kSlideSeconds = 0.335;   // measured
-constexpr double kFadeSeconds = 0.25;
+constexpr double kSheetSlideSeconds = 0.335;   // measured
+constexpr double kAlertFadeSeconds = 0.25;
 constexpr double kAlertScale = 1.2;   // from which an alert shrinks into place
 
 struct Palette {
@@ -168,12 +168,12 @@ void AlertRow::layoutSubviews() const
     if (state.icon) {
         CGSize const natural = state.icon->image().size();
         double const longer = std::max({ natural.width, natural.height, 1.0 });
-        double const scale = std::min(1.0, kIconSide / longer);
+        double const scale = std::min(1.0, kActionIconSide / longer);
         CGSize const icon { natural.width * scale, natural.height * scale };
         double const x =
             effectiveUserInterfaceLayoutDirection() == 1 ? size.width - kIconInset - icon.width : kIconInset;
         state.icon->setFrame({ { x, (size.height - icon.height) / 2 }, icon });
-        side = kIconInset + kIconSide + 8;   // on both sides, so that the title stays in the middle
+        side = kIconInset + kActionIconSide + 8;   // on both sides, so that the title stays in the middle
     }
     state.label->setFrame({ { side, 0 }, { std::max(size.width - 2 * side, 0.0), size.height } });
 }
@@ -375,7 +375,7 @@ void AlertView::layOutAlert() const
     if (!main.dividers.empty())
         main.dividers.front()->setHidden(headings == 0);
 
-    double const room = screen.height - std::max(safe.top, kEdgeGap) - std::max(safe.bottom, kEdgeGap);
+    double const room = screen.height - std::max(safe.top, kAlertGap) - std::max(safe.bottom, kAlertGap);
     double const height = std::min(headings + rows, room);
     main.material->setFrame({ {}, { kAlertWidth, height } });
     main.scroll->setFrame({ { 0, headings }, { kAlertWidth, std::max(height - headings, 0.0) } });
@@ -434,7 +434,7 @@ void AlertView::animate(bool presenting, std::function<void()> done) const
         });
     }
     animateWithOptions(
-        slides ? kSlideSeconds : kFadeSeconds, 0,
+        slides ? kSheetSlideSeconds : kAlertFadeSeconds, 0,
         presenting ? AnimationOption::curveEaseOut : AnimationOption::curveEaseInOut,
         [=] {
             dimming.setAlpha(presenting ? 1 : 0);

@@ -9,7 +9,7 @@ namespace phone {
 namespace {
 
 // Sums of fractions of a point: what misses by less still fits.
-constexpr double kTolerance = 1e-6;
+constexpr double kFlowTolerance = 1e-6;
 
 double usable(double length) { return length > 0 && std::isfinite(length) ? length : 0; }
 
@@ -86,10 +86,10 @@ void FlowLayout::breakLines(Section& section)
         double const length = crossOf(sizes.at(0));
         if (length + gap > 0)
             section.capacity = static_cast<std::size_t>(
-                std::clamp(std::floor((room + gap + kTolerance) / (length + gap)), 1.0, 1e9));
+                std::clamp(std::floor((room + gap + kFlowTolerance) / (length + gap)), 1.0, 1e9));
         else
             section.capacity = std::max<std::size_t>(sizes.count(), 1);
-        m_hasOversizedItem |= sizes.count() && length > room + kTolerance;
+        m_hasOversizedItem |= sizes.count() && length > room + kFlowTolerance;
         auto const lines = static_cast<double>(lineCount(section));
         if (lines > 0)
             section.mainLength = lines * mainOf(sizes.at(0)) + (lines - 1) * section.given.lineSpacing;
@@ -100,11 +100,11 @@ void FlowLayout::breakLines(Section& section)
             std::size_t next = first + 1;
             for (; next < sizes.count(); ++next) {
                 double const longer = used + gap + crossOf(sizes.at(next));
-                if (longer > room + kTolerance)
+                if (longer > room + kFlowTolerance)
                     break;
                 used = longer;
             }
-            m_hasOversizedItem |= used > room + kTolerance;
+            m_hasOversizedItem |= used > room + kFlowTolerance;
             section.lines.push_back(place(section, first, next - first, main));
             main += section.lines.back().mainLength + section.given.lineSpacing;
             first = next;
@@ -139,7 +139,7 @@ FlowLayout::Line FlowLayout::place(
     bool const isLast = first + count == sizes.count();
     double const last = crossOf(sizes.at(first + count - 1));
     bool const couldHoldMore =
-        used + gap * static_cast<double>(slots) + (isLast ? last : 0) <= room + kTolerance;
+        used + gap * static_cast<double>(slots) + (isLast ? last : 0) <= room + kFlowTolerance;
     if (slots == 1 && !(isLast && couldHoldMore))
         line.crossStart += (room - used) / 2;
     else if (slots > 1 && (sizes.areEqual() || !isLast))

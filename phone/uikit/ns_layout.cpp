@@ -53,7 +53,7 @@ std::string numberText(double number)
 }
 
 // In the order in which they became active: of two that contradict each other the later one gives way.
-std::vector<objc::ref<NSLayoutConstraint>> g_active;
+std::vector<objc::ref<NSLayoutConstraint>> g_activeConstraints;
 
 UIView commonAncestor(UIView a, UIView b)
 {
@@ -83,7 +83,7 @@ void deactivate(NSLayoutConstraint constraint)
     countUse(state.first, -1);
     countUse(state.second, -1);
     markConstraintsDirty(state.first.get() ? state.first.get() : state.second.get());
-    std::erase_if(g_active, [constraint](auto const& each) { return each.get() == constraint; });
+    std::erase_if(g_activeConstraints, [constraint](auto const& each) { return each.get() == constraint; });
 }
 
 }
@@ -91,18 +91,18 @@ void deactivate(NSLayoutConstraint constraint)
 std::vector<NSLayoutConstraint> activeConstraints()
 {
     // Those whose view has gone go too.
-    for (std::size_t i = g_active.size(); i-- > 0;) {
-        ConstraintState const& state = stateOf(g_active[i]);
+    for (std::size_t i = g_activeConstraints.size(); i-- > 0;) {
+        ConstraintState const& state = stateOf(g_activeConstraints[i]);
         bool const needsSecond = state.secondAttribute != LayoutAttribute::none;
         if (!state.first.get() || (needsSecond && !state.second.get()))
-            deactivate(g_active[i]);
+            deactivate(g_activeConstraints[i]);
     }
-    return { g_active.begin(), g_active.end() };
+    return { g_activeConstraints.begin(), g_activeConstraints.end() };
 }
 
 void deactivateCrossingConstraints(UIView subtree)
 {
-    if (g_active.empty())
+    if (g_activeConstraints.empty())
         return;
     for (NSLayoutConstraint const each : activeConstraints()) {
         UIView const second = each.secondItem();
@@ -175,7 +175,7 @@ void NSLayoutConstraint::setActive(BOOL active) const
     state.isActive = true;
     countUse(state.first, 1);
     countUse(state.second, 1);
-    g_active.push_back(objc::retain(*this));
+    g_activeConstraints.push_back(objc::retain(*this));
     trace().record("constraint", { { "what", words() } });
     markConstraintsDirty(state.first);
 }

@@ -13,12 +13,12 @@ namespace {
 
 // Points; the look of iOS 13 and later.
 constexpr double kThickness = 3;
-constexpr double kEdgeGap = 3;
+constexpr double kIndicatorGap = 3;
 constexpr double kShortest = 36;
 constexpr double kShortestPressed = 7;
 // Seconds. Chosen by us, near what UIKit does.
 constexpr double kLingerSeconds = 0.5;
-constexpr double kFadeSeconds = 0.25;
+constexpr double kIndicatorFadeSeconds = 0.25;
 
 void place(UIScrollView view, objc::ref<UIView>& bar, bool isWanted, CGRect frame)
 {
@@ -50,7 +50,8 @@ void fade(UIScrollView view)
     for (auto const& bar : { horizontal, vertical }) {
         if (bar)
             animate(
-                kFadeSeconds, [bar] { bar->setAlpha(0); }, [bar](bool) { bar->removeFromSuperview(); });
+                kIndicatorFadeSeconds, [bar] { bar->setAlpha(0); },
+                [bar](bool) { bar->removeFromSuperview(); });
     }
 }
 
@@ -58,14 +59,14 @@ void fade(UIScrollView view)
 
 IndicatorSpan indicatorSpan(double offset, double minimum, double maximum, double viewLength)
 {
-    double const track = std::max(viewLength - 2 * kEdgeGap, 0.0);
+    double const track = std::max(viewLength - 2 * kIndicatorGap, 0.0);
     double const content = viewLength + maximum - minimum;
     double length = std::min(std::max(track * viewLength / std::max(content, 1.0), kShortest), track);
     double const beyond = std::max({ minimum - offset, offset - maximum, 0.0 });
     length = std::min(std::max(length - beyond, kShortestPressed), length);
     double const part =
         maximum > minimum ? std::clamp((offset - minimum) / (maximum - minimum), 0.0, 1.0) : 0;
-    return { kEdgeGap + (track - length) * part, length };
+    return { kIndicatorGap + (track - length) * part, length };
 }
 
 void showScrollIndicators(UIScrollView view)
@@ -79,11 +80,11 @@ void showScrollIndicators(UIScrollView view)
     auto const h = indicatorSpan(visible.origin.x, across.minimum, across.maximum, visible.size.width);
     place(view, state.indicators.horizontal,
         state.showsHorizontalIndicator && across.maximum > across.minimum,
-        { { visible.origin.x + h.start, visible.origin.y + visible.size.height - kEdgeGap - kThickness },
+        { { visible.origin.x + h.start, visible.origin.y + visible.size.height - kIndicatorGap - kThickness },
             { h.length, kThickness } });
 
     auto const v = indicatorSpan(visible.origin.y, along.minimum, along.maximum, visible.size.height);
-    double const x = isMirrored ? kEdgeGap : visible.size.width - kEdgeGap - kThickness;
+    double const x = isMirrored ? kIndicatorGap : visible.size.width - kIndicatorGap - kThickness;
     place(view, state.indicators.vertical, state.showsVerticalIndicator && along.maximum > along.minimum,
         { { visible.origin.x + x, visible.origin.y + v.start }, { kThickness, v.length } });
 

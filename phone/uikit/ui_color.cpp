@@ -21,7 +21,7 @@ struct ColorState {
 
 ColorState& stateOf(UIColor color) { return objc::state<ColorState>(UIColor { color.object }); }
 
-UIColor make(Color light, Color dark)
+UIColor makeColor(Color light, Color dark)
 {
     auto color = objc::adopt(UIColor { UIColor::alloc().init().object });
     stateOf(color).light = light;
@@ -30,12 +30,12 @@ UIColor make(Color light, Color dark)
 }
 
 // Made once and kept.
-UIColor constant(Color light, Color dark) { return objc::leak(objc::retain(make(light, dark))); }
+UIColor constant(Color light, Color dark) { return objc::leak(objc::retain(makeColor(light, dark))); }
 
 }
 
-UIColor UIColor::of(Color fixed) { return make(fixed, fixed); }
-UIColor UIColor::dynamic(Color light, Color dark) { return make(light, dark); }
+UIColor UIColor::of(Color fixed) { return makeColor(fixed, fixed); }
+UIColor UIColor::dynamic(Color light, Color dark) { return makeColor(light, dark); }
 UIColor UIColor::colorWithRed(CGFloat red, CGFloat green, CGFloat blue, CGFloat alpha)
 {
     return of({ red, green, blue, alpha });
@@ -97,7 +97,7 @@ UIColor UIColor::colorWithAlphaComponent(CGFloat alpha) const
     if (!object)
         return {};
     ColorState const& state = stateOf(*this);
-    return make(state.light.withAlpha(alpha), state.dark.withAlpha(alpha));
+    return makeColor(state.light.withAlpha(alpha), state.dark.withAlpha(alpha));
 }
 
 CGColorRef UIColor::CGColor() const

@@ -14,7 +14,7 @@ namespace phone {
 namespace {
 
 // Recognisers that have, or had, a touch and were not reset since; in the order in which they got it.
-std::vector<objc::ref<UIGestureRecognizer>> g_active;
+std::vector<objc::ref<UIGestureRecognizer>> g_activeRecognizers;
 
 bool sharesTouch(UIGestureRecognizer a, UIGestureRecognizer b)
 {
@@ -175,7 +175,7 @@ bool UIGestureRecognizer::isHeldUp() const
     if (std::ranges::any_of(
             recognizerState().required, [&watches](auto const& other) { return watches(other.get()); }))
         return true;
-    return std::ranges::any_of(g_active, [this, &watches](auto const& other) {
+    return std::ranges::any_of(g_activeRecognizers, [this, &watches](auto const& other) {
         if (!watches(other.get()) || !sharesTouch(*this, other.get()))
             return false;
         return delegate().ask<"gestureRecognizer:shouldRequireFailureOfGestureRecognizer:", BOOL>(
@@ -195,7 +195,7 @@ void UIGestureRecognizer::recognize(GestureState next) const
         return;
     }
     state.deferred.reset();
-    auto const active = g_active;
+    auto const active = g_activeRecognizers;
     bool const isTaken = std::ranges::any_of(state.required, [](auto const& other) {
         return other.get() && other.get().isRecognized();
     }) || std::ranges::any_of(active, [this](auto const& other) {
@@ -328,7 +328,7 @@ void UIGestureRecognizer::takeTouch(UITouch touch) const
         state.isActive = true;
         state.state = GestureState::possible;
         state.deferred.reset();
-        g_active.push_back(objc::retain(*this));
+        g_activeRecognizers.push_back(objc::retain(*this));
     }
     state.touches.push_back(objc::retain(touch));
     touch.touchState().recognizers.push_back(objc::retain(*this));
@@ -338,7 +338,7 @@ void settleRecognizers()
 {
     // One that goes on makes others fail, and one that fails lets others go on.
     for (bool again = true; std::exchange(again, false);) {
-        auto const active = g_active;
+        auto const active = g_activeRecognizers;
         for (auto const& recognizer : active) {
             auto& state = recognizer->recognizerState();
             if (state.deferred && recognizer->isPossible() && !recognizer->isHeldUp()) {
@@ -347,7 +347,7 @@ void settleRecognizers()
             }
         }
     }
-    auto const active = g_active;
+    auto const active = g_activeRecognizers;
     for (auto const& recognizer : active) {
         auto& state = recognizer->recognizerState();
         bool const areOver =
@@ -362,7 +362,7 @@ void settleRecognizers()
             continue;   // waits for a further touch
         state.touches.clear();
         state.isActive = false;
-        std::erase(g_active, recognizer);
+        std::erase(g_activeRecognizers, recognizer);
         recognizer->send<"reset">();
         state.state = GestureState::possible;
     }

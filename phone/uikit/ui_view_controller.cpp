@@ -16,7 +16,7 @@ namespace phone {
 namespace {
 
 // The slide of a presentation; UIKit's own takes about as long.
-constexpr double kSlideSeconds = 0.4;
+constexpr double kPresentationSeconds = 0.4;
 constexpr NSInteger kFullScreen = 0;   // UIModalPresentationFullScreen
 constexpr NSInteger kAutomatic = -2;   // UIModalPresentationAutomatic
 
@@ -417,7 +417,7 @@ void UIViewController::animatePresentation(BOOL presenting, std::function<void()
     if (presenting)
         view.setFrame(below);
     animateWithOptions(
-        kSlideSeconds, 0, AnimationOption::curveEaseOut,
+        kPresentationSeconds, 0, AnimationOption::curveEaseOut,
         [view, presenting, shown, below] { view.setFrame(presenting ? shown : below); },
         [finished = std::move(*done)](bool) { finished(); });
 }

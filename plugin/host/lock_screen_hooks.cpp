@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr CGFloat kStripHeight = 90;   // points, on the lock screen
-constexpr CGFloat kStripInset = 10;    // each side; none with the banded style
+constexpr CGFloat kLockScreenStripHeight = 90;   // points, on the lock screen
+constexpr CGFloat kStripInset = 10;              // each side; none with the banded style
 
 enum class Occasion { dismissal, unlockFinish };
 
@@ -83,7 +83,7 @@ void createStrip(AdjunctListViewController controller)
 NSLayoutConstraint heightConstraint(CVLView strip)
 {
     static NSLayoutConstraint const height =
-        objc::leak(objc::retain(strip.heightAnchor().constraintEqualToConstant(kStripHeight)));
+        objc::leak(objc::retain(strip.heightAnchor().constraintEqualToConstant(kLockScreenStripHeight)));
     return height;
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr CGFloat kStripHeight = 88;   // points
+constexpr CGFloat kOverlayStripHeight = 88;   // points
 constexpr NSUInteger kShowAnimationOptions = 3;
 
 // Where the strip comes in, by the front-most application's orientation. "Along" is the axis on which it moves: y in
@@ -52,8 +52,8 @@ bool createOverlay(AdjunctListViewController controller, Path const& path)
         return false;
 
     CGFloat const width = stripWidth(path.span, contacts);
-    CGRect const frame = path.portrait ? CGRectMake(10, path.start, width, kStripHeight)
-                                       : CGRectMake(path.start, path.across, width, kStripHeight);
+    CGRect const frame = path.portrait ? CGRectMake(10, path.start, width, kOverlayStripHeight)
+                                       : CGRectMake(path.start, path.across, width, kOverlayStripHeight);
     host.overlayView = objc::adopt(CVLView::alloc().send<"initWithFrame:prefs:nonLSView:", CVLView>(
         frame, host.initPrefs.get(), BOOL(true)));
     if (!host.overlayView)

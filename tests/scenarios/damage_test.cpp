@@ -21,12 +21,12 @@ namespace phone {
 
 namespace {
 
-struct Entry {
+struct DamagedEntry {
     char const* title;
     int tapCode;
     char const* effect;   // that tells the action has run
 };
-constexpr Entry kEntries[] {
+constexpr DamagedEntry kDamagedEntries[] {
     { "Call Contact", 0, "openURL tel:+44207946-0958" },
     { "Send WhatsApp Message", 1, "openURL whatsapp://send?phone=+44207946-0958" },
     { "Send Telegram Message", 2, "openURL tg://msg?&to=+442079460958" },
@@ -122,7 +122,7 @@ std::vector<Damage> damages()
     };
 }
 
-std::string nameOf(testing::TestParamInfo<Damage> const& info)
+std::string nameOfDamage(testing::TestParamInfo<Damage> const& info)
 {
     std::string name;
     for (char const letter : std::string(info.param.missing))
@@ -135,7 +135,7 @@ std::string nameOf(testing::TestParamInfo<Damage> const& info)
 class Damaged : public Story, public testing::WithParamInterface<Damage> {
 protected:
     // Runs the entry of a menu that is opened for it, and puts away what came.
-    static Effects run(Entry const& entry)
+    static Effects run(DamagedEntry const& entry)
     {
         if (!phone().isLocked()) {
             phone().lock();
@@ -173,7 +173,7 @@ TEST_P(Damaged, StillDoesEverythingElse)
         options.present = { damage.missing };
     boot(options);
 
-    for (Entry const& entry : kEntries) {
+    for (DamagedEntry const& entry : kDamagedEntries) {
         Effects const came = run(entry);
         bool const hasRun = std::ranges::find(came, entry.effect) != came.end();
         EXPECT_EQ(hasRun, !damage.broken.contains(entry.tapCode))
@@ -181,7 +181,7 @@ TEST_P(Damaged, StillDoesEverythingElse)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, Damaged, testing::ValuesIn(damages()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Every, Damaged, testing::ValuesIn(damages()), nameOfDamage);
 
 // Whatever class the plug-in looks up by name, however fundamental: nothing crashes.
 class MissingClass : public EverydayUse {

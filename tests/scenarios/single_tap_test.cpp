@@ -10,30 +10,30 @@ namespace {
 
 constexpr int kCodes = 8;
 
-struct Case {
+struct TapCase {
     std::string version;
     int code;
 };
 
-void PrintTo(Case const& each, std::ostream* stream) { *stream << each.version << " code " << each.code; }
+void PrintTo(TapCase const& each, std::ostream* stream) { *stream << each.version << " code " << each.code; }
 
-std::vector<Case> cases()
+std::vector<TapCase> tapCases()
 {
-    std::vector<Case> all;
+    std::vector<TapCase> all;
     for (char const* const version : kStoryVersions)
         for (int code = 0; code < kCodes; ++code)
             all.push_back({ version, code });
     return all;
 }
 
-std::string nameOf(testing::TestParamInfo<Case> const& info)
+std::string nameOfTap(testing::TestParamInfo<TapCase> const& info)
 {
     return versionName(info.param.version) + "Code" + std::to_string(info.param.code);
 }
 
 }
 
-class SingleTap : public Story, public testing::WithParamInterface<Case> {
+class SingleTap : public Story, public testing::WithParamInterface<TapCase> {
 protected:
     static int code() { return GetParam().code; }
     static bool opensApp() { return actionOfTap(code()).group == ActionGroup::messagingApp; }
@@ -164,7 +164,7 @@ TEST_P(SingleTap, SurvivesAWrongPasscode)
     EXPECT_FALSE(only(effects(), { "openURL", "siri", "present" }).empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(EverySystem, SingleTap, testing::ValuesIn(cases()), nameOf);
+INSTANTIATE_TEST_SUITE_P(EverySystem, SingleTap, testing::ValuesIn(tapCases()), nameOfTap);
 
 class SingleTapBeyond : public Story, public testing::WithParamInterface<int> { };
 

@@ -16,7 +16,7 @@ namespace phone {
 
 namespace {
 
-constexpr int kTolerance = 12;                   // of 255, in any channel
+constexpr int kColorTolerance = 12;              // of 255, in any channel
 constexpr double kDifferingPartAllowed = 2e-3;   // of all pixels
 
 std::filesystem::path goldenFile(std::string const& name)
@@ -130,7 +130,7 @@ void expectGoldenPicture(std::string const& name, graphics::Bitmap const& actual
         return;
     }
     graphics::Bitmap const expected = graphics::readImageFile(golden.string(), actual.scale());
-    auto const difference = graphics::comparePictures(actual, expected, kTolerance);
+    auto const difference = graphics::comparePictures(actual, expected, kColorTolerance);
     double const pixels = static_cast<double>(actual.pixelWidth()) * actual.pixelHeight();
     if (difference.sameSize
         && static_cast<double>(difference.differingPixels) <= pixels * kDifferingPartAllowed)

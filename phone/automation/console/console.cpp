@@ -1,6 +1,7 @@
 #include "phone/automation/console/console.hpp"
 
 #include "phone/automation/console/console_commands.hpp"
+#include "phone/kernel/ascii.hpp"
 
 #include <editline/readline.h>
 #include <sys/ioctl.h>
@@ -96,13 +97,6 @@ std::string historyFile()
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
     return failure ? std::string() : (folder / "console_history").string();
-}
-
-std::string trimmed(std::string_view text)
-{
-    auto const start = text.find_first_not_of(" \t\r\n");
-    auto const end = text.find_last_not_of(" \t\r\n");
-    return start == text.npos ? std::string() : std::string(text.substr(start, end - start + 1));
 }
 
 char* nextCompletion(char const*, int state)
@@ -224,7 +218,7 @@ void Console::readPipe()
             line += letter;
             continue;
         }
-        if (!runLine(trimmed(line)) || count != 1)
+        if (!runLine(std::string(trimmed(line))) || count != 1)
             return;
         line.clear();
     }
@@ -244,7 +238,7 @@ void Console::readTerminal()
     std::string last;
     measureTerminal();
     while (char* const typed = readline(kPrompt)) {
-        std::string const line = trimmed(typed);
+        std::string const line(trimmed(typed));
         std::free(typed);
         if (!line.empty() && line != last) {
             add_history(line.c_str());

@@ -6,9 +6,9 @@ namespace {
 
 using phone::Bytes;
 
-std::string textOf(std::string_view bytes) { return phone::base64(bytes.data(), bytes.size()); }
+std::string base64Of(std::string_view bytes) { return phone::base64(bytes.data(), bytes.size()); }
 
-std::optional<std::string> bytesOf(std::string_view text)
+std::optional<std::string> decoded(std::string_view text)
 {
     auto const bytes = phone::bytesOfBase64(text);
     return bytes ? std::optional(std::string(bytes->begin(), bytes->end())) : std::nullopt;
@@ -19,8 +19,8 @@ TEST(Base64, WritesAndReadsTheStandardsExamples)
 {
     for (auto const& [bytes, text] : { std::pair { "", "" }, { "f", "Zg==" }, { "fo", "Zm8=" },
              { "foo", "Zm9v" }, { "foob", "Zm9vYg==" }, { "fooba", "Zm9vYmE=" }, { "foobar", "Zm9vYmFy" } }) {
-        EXPECT_EQ(textOf(bytes), text);
-        EXPECT_EQ(bytesOf(text), bytes);
+        EXPECT_EQ(base64Of(bytes), text);
+        EXPECT_EQ(decoded(text), bytes);
     }
 }
 
@@ -29,22 +29,22 @@ TEST(Base64, ReadsEveryByteAgain)
     std::string all;
     for (int byte = 0; byte < 256; ++byte)
         all += static_cast<char>(byte);
-    EXPECT_EQ(bytesOf(textOf(all)), all);
+    EXPECT_EQ(decoded(base64Of(all)), all);
 }
 
 TEST(Base64, ReadsWhatOthersWrite)
 {
-    EXPECT_EQ(bytesOf(" Zm9v\r\n\tYm Fy\n"), "foobar");
-    EXPECT_EQ(bytesOf("Zm8"), "fo");
-    EXPECT_EQ(bytesOf("Zg"), "f");
-    EXPECT_EQ(bytesOf("-_-_"), bytesOf("+/+/"));
-    EXPECT_EQ(bytesOf("+/+/"), "\xFB\xFF\xBF");
+    EXPECT_EQ(decoded(" Zm9v\r\n\tYm Fy\n"), "foobar");
+    EXPECT_EQ(decoded("Zm8"), "fo");
+    EXPECT_EQ(decoded("Zg"), "f");
+    EXPECT_EQ(decoded("-_-_"), decoded("+/+/"));
+    EXPECT_EQ(decoded("+/+/"), "\xFB\xFF\xBF");
 }
 
 TEST(Base64, RefusesEverythingElse)
 {
     for (char const* text : { "*", "Zm9v.", "Z", "Zm9vY", "Zg==Zg==", "=Zg", "Zm9v\xC3\xBC" })
-        EXPECT_EQ(bytesOf(text), std::nullopt) << text;
+        EXPECT_EQ(decoded(text), std::nullopt) << text;
 }
 
 }

@@ -1,6 +1,7 @@
 // Damaged and hostile property lists: each gives a value or one error, quickly, and nothing else. Run under
 // AddressSanitizer and UndefinedBehaviorSanitizer as well.
 #include "phone/kernel/property_list.hpp"
+#include "tests/phone/kernel/bytes.hpp"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -10,8 +11,6 @@ namespace {
 
 using Dictionary = PropertyListDictionary;
 using Array = PropertyListArray;
-
-std::string textOf(Bytes const& bytes) { return { bytes.begin(), bytes.end() }; }
 
 PropertyList contacts(std::size_t count, std::size_t photoSize)
 {

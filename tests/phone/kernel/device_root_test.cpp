@@ -1,4 +1,5 @@
 #include "phone/kernel/device_root.hpp"
+#include "tests/phone/kernel/bytes.hpp"
 
 #include <csignal>
 #include <cstdlib>
@@ -14,9 +15,6 @@ namespace phone {
 namespace {
 
 namespace fs = std::filesystem;
-
-Bytes bytesOf(std::string_view text) { return { text.begin(), text.end() }; }
-std::string textOf(Bytes const& bytes) { return { bytes.begin(), bytes.end() }; }
 
 class DeviceRootTest : public testing::Test {
 protected:

@@ -6,13 +6,13 @@ namespace phone::screentest {
 
 using EffectViewTest = ScreenTest;
 
-constexpr CGSize kSize { 120, 120 };
-constexpr CGRect kAll { {}, kSize };
+constexpr CGSize kEffectSize { 120, 120 };
+constexpr CGRect kEffectArea { {}, kEffectSize };
 
 // White at the left, black at the right.
 objc::ref<UIView> halves(objc::ref<UIView> left)
 {
-    auto root = make<UIView>(kAll);
+    auto root = make<UIView>(kEffectArea);
     root->setBackgroundColor(UIColor::blackColor());
     root->addSubview(left);
     return root;
@@ -23,7 +23,7 @@ TEST_F(EffectViewTest, BlursWhatLiesBeneathAndNothingElse)
     auto const root = halves(box({ {}, { 60, 120 } }, kWhite));
     root->addSubview(effect({ { 0, 0 }, { 120, 60 } }, 1));
 
-    auto const picture = drawn(root, kSize);
+    auto const picture = drawn(root, kEffectSize);
 
     // Below the effect the edge is sharp.
     EXPECT_EQ(pixelAt(picture, 59, 90), kWhite);
@@ -39,9 +39,9 @@ TEST_F(EffectViewTest, BlursWhatLiesBeneathAndNothingElse)
 TEST_F(EffectViewTest, BlursLowerRootsToo)
 {
     auto const lower = halves(box({ {}, { 60, 120 } }, kWhite));
-    auto const upper = make<UIView>(kAll);
-    upper->addSubview(effect(kAll, 1));
-    auto const bitmap = graphics::Bitmap::withPoints({ kSize.width, kSize.height }, 1);
+    auto const upper = make<UIView>(kEffectArea);
+    upper->addSubview(effect(kEffectArea, 1));
+    auto const bitmap = graphics::Bitmap::withPoints({ kEffectSize.width, kEffectSize.height }, 1);
 
     Renderer().drawViews({ lower, upper }, bitmap);
 
@@ -53,9 +53,9 @@ TEST_F(EffectViewTest, IsLighterOrDarkerByItsStyle)
 {
     auto const gray = Pixel { 128, 128, 128 };
     auto shade = [&](NSInteger style) {
-        auto const root = box(kAll, gray);
-        root->addSubview(effect(kAll, style));
-        return pixelAt(drawn(root, kSize), 60, 60).red;
+        auto const root = box(kEffectArea, gray);
+        root->addSubview(effect(kEffectArea, style));
+        return pixelAt(drawn(root, kEffectSize), 60, 60).red;
     };
 
     EXPECT_GT(shade(0), shade(1));
@@ -72,26 +72,26 @@ TEST_F(EffectViewTest, IsLighterOrDarkerByItsStyle)
 
 TEST_F(EffectViewTest, LaysItsBackgroundColourOverTheBlur)
 {
-    auto const root = box(kAll, kWhite);
-    auto const blur = effect(kAll, 2);
+    auto const root = box(kEffectArea, kWhite);
+    auto const blur = effect(kEffectArea, 2);
     root->addSubview(blur);
-    Pixel const plain = pixelAt(drawn(root, kSize), 60, 60);
+    Pixel const plain = pixelAt(drawn(root, kEffectSize), 60, 60);
 
     blur->setBackgroundColor(UIColor::of({ 1, 0, 0, 0.5 }));
-    Pixel const tinted = pixelAt(drawn(root, kSize), 60, 60);
+    Pixel const tinted = pixelAt(drawn(root, kEffectSize), 60, 60);
 
     EXPECT_TRUE(isNear(tinted, { (plain.red + 255) / 2, plain.green / 2, plain.blue / 2 })) << tinted;
 }
 
 TEST_F(EffectViewTest, CutsTheBackdropByItsRoundCorners)
 {
-    auto const root = box(kAll, kWhite);
+    auto const root = box(kEffectArea, kWhite);
     auto const blur = effect({ { 20, 20 }, { 80, 80 } }, 2);
     blur->setCornerRadius(30);
     blur->setClipsToBounds(true);
     root->addSubview(blur);
 
-    auto const picture = drawn(root, kSize);
+    auto const picture = drawn(root, kEffectSize);
 
     EXPECT_EQ(pixelAt(picture, 23, 23), kWhite);
     EXPECT_LT(pixelAt(picture, 60, 60).red, 128);
@@ -102,12 +102,12 @@ TEST_F(EffectViewTest, FadesBetweenTheBackdropAndWhatIsBeneath)
     auto const root = halves(box({ {}, { 60, 120 } }, kWhite));
     auto const group = make<UIView>(CGRect { { 10, 10 }, { 100, 100 } });
     group->addSubview(effect({ {}, { 100, 100 } }, 2));
-    auto const without = drawn(root, kSize, 2);
+    auto const without = drawn(root, kEffectSize, 2);
     root->addSubview(group);
-    auto const with = drawn(root, kSize, 2);
+    auto const with = drawn(root, kEffectSize, 2);
 
     group->setAlpha(0.5);
-    auto const faded = drawn(root, kSize, 2);
+    auto const faded = drawn(root, kEffectSize, 2);
 
     for (int x = 0; x < 240; x += 7) {
         for (int y = 0; y < 240; y += 7) {
@@ -127,11 +127,11 @@ TEST_F(EffectViewTest, BlursAsMuchInsideARoundClippedParent)
     auto const parent = make<UIView>(CGRect { { 62, 10 }, { 50, 100 } });
     parent->addSubview(effect({ {}, { 50, 100 } }, 1));
     root->addSubview(parent);
-    auto const plain = drawn(root, kSize);
+    auto const plain = drawn(root, kEffectSize);
 
     parent->setClipsToBounds(true);
     parent->setCornerRadius(8);
-    auto const rounded = drawn(root, kSize);
+    auto const rounded = drawn(root, kEffectSize);
 
     for (int x = 72; x < 112; x += 3)
         EXPECT_EQ(pixelAt(rounded, x, 60), pixelAt(plain, x, 60)) << x;
@@ -141,12 +141,12 @@ TEST_F(EffectViewTest, BlursAsMuchInsideARoundClippedParent)
 
 TEST_F(EffectViewTest, ShowsTheContentViewSharpOverTheBlur)
 {
-    auto const root = box(kAll, kWhite);
-    auto const blur = effect(kAll, 2);
+    auto const root = box(kEffectArea, kWhite);
+    auto const blur = effect(kEffectArea, 2);
     blur->contentView().addSubview(box({ { 30, 30 }, { 20, 20 } }, kGreen));
     root->addSubview(blur);
 
-    auto const picture = drawn(root, kSize);
+    auto const picture = drawn(root, kEffectSize);
 
     EXPECT_EQ(pixelAt(picture, 30, 30), kGreen);
     EXPECT_LT(pixelAt(picture, 29, 30).red, 128);
@@ -156,9 +156,9 @@ TEST_F(EffectViewTest, TakesABackdropAgainOnlyWhenWhatIsBeneathChanges)
 {
     auto const lower = box({ {}, { 60, 120 } }, kWhite);
     auto const root = halves(lower);
-    root->addSubview(effect(kAll, 1));
+    root->addSubview(effect(kEffectArea, 1));
     auto const draw = [&root](BackdropCache& cache) {
-        auto const bitmap = graphics::Bitmap::withPoints({ kSize.width, kSize.height }, 1);
+        auto const bitmap = graphics::Bitmap::withPoints({ kEffectSize.width, kEffectSize.height }, 1);
         auto const context = bitmap.newContext();
         cache.beginFrame();
         cairo_rectangle(context.get(), 0, 0, 60, 120);

@@ -6,16 +6,16 @@
 
 namespace {
 
-struct Row {
+struct ColorRow {
     char const* text;
     unsigned rgba;   // 0xrrggbbaa
-    friend std::ostream& operator<<(std::ostream& out, Row const& row)
+    friend std::ostream& operator<<(std::ostream& out, ColorRow const& row)
     {
         return out << '"' << row.text << '"';
     }
 };
 
-class ColourString : public phone::CorvelTest, public testing::WithParamInterface<Row> { };
+class ColourString : public phone::CorvelTest, public testing::WithParamInterface<ColorRow> { };
 
 TEST_P(ColourString, IsReadAsWritten)
 {
@@ -32,14 +32,17 @@ TEST_P(ColourString, IsReadAsWritten)
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, ColourString,
-    testing::Values(Row { "#fff", 0xffffffff }, Row { "#123", 0x112233ff }, Row { "abc", 0xaabbccff },
-        Row { "#ff0000", 0xff0000ff }, Row { "ff000080", 0xff000080 }, Row { "#00FF7f01", 0x00ff7f01 },
-        Row { "##f#f#f", 0xffffffff }, Row { "#1234", 0x00001234 }, Row { "#abcde", 0x000abcde },
-        Row { "#1234567", 0x01234567 }, Row { "#123456789", 0xffffffff }, Row { "", 0 }, Row { "#", 0 },
-        Row { "0xf0", 0xf0 }, Row { "\u05D0\u05D1\u05D2", 0 }, Row { "f", 0xf }, Row { "#ff00f", 0x000ff00f },
+    testing::Values(ColorRow { "#fff", 0xffffffff }, ColorRow { "#123", 0x112233ff },
+        ColorRow { "abc", 0xaabbccff }, ColorRow { "#ff0000", 0xff0000ff },
+        ColorRow { "ff000080", 0xff000080 }, ColorRow { "#00FF7f01", 0x00ff7f01 },
+        ColorRow { "##f#f#f", 0xffffffff }, ColorRow { "#1234", 0x00001234 },
+        ColorRow { "#abcde", 0x000abcde }, ColorRow { "#1234567", 0x01234567 },
+        ColorRow { "#123456789", 0xffffffff }, ColorRow { "", 0 }, ColorRow { "#", 0 },
+        ColorRow { "0xf0", 0xf0 }, ColorRow { "\u05D0\u05D1\u05D2", 0 }, ColorRow { "f", 0xf },
+        ColorRow { "#ff00f", 0x000ff00f },
         // Six signs are opaque whatever they are, and are then read as far as they can be.
-        Row { "0xabcd", 0x00abcdff }, Row { "ff00zz", 0x0000ff00 }, Row { "zzz", 0 },
-        Row { " fff", 0x00000fff }));
+        ColorRow { "0xabcd", 0x00abcdff }, ColorRow { "ff00zz", 0x0000ff00 }, ColorRow { "zzz", 0 },
+        ColorRow { " fff", 0x00000fff }));
 
 class NoColourString : public phone::CorvelTest { };
 

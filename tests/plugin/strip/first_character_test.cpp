@@ -6,13 +6,13 @@
 
 namespace {
 
-struct Row {
+struct CharacterRow {
     char const* text;
     char const* first;
-    friend std::ostream& operator<<(std::ostream& out, Row const& row) { return out << row.text; }
+    friend std::ostream& operator<<(std::ostream& out, CharacterRow const& row) { return out << row.text; }
 };
 
-class FirstCharacter : public phone::CorvelTest, public testing::WithParamInterface<Row> { };
+class FirstCharacter : public phone::CorvelTest, public testing::WithParamInterface<CharacterRow> { };
 
 TEST_P(FirstCharacter, IsWhatAReaderCountsAsOne)
 {
@@ -22,19 +22,19 @@ TEST_P(FirstCharacter, IsWhatAReaderCountsAsOne)
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, FirstCharacter,
-    testing::Values(Row { "Anna", "A" }, Row { "a", "a" }, Row { "\u0130brahim", "\u0130" },
-        Row { "\u05D3\u05E0\u05D4", "\u05D3" }, Row { "\u738B\u82B3", "\u738B" },
-        Row { "E\u0301milie", "E\u0301" },                                        // decomposed
-        Row { "\u05E9\u05BC\u05C1\u05E8\u05D4", "\u05E9\u05BC\u05C1" },           // a letter with two points
-        Row { "\U0001F469\u200D\U0001F680 Ada", "\U0001F469\u200D\U0001F680" },   // joined
-        Row { "\U0001F469\U0001F3FD\u200D\U0001F680x", "\U0001F469\U0001F3FD\u200D\U0001F680" },
-        Row { "\U0001F44D\U0001F3FFy", "\U0001F44D\U0001F3FF" },                      // skin tone
-        Row { "\u2764\uFE0Fz", "\u2764\uFE0F" },                                      // variation selector
-        Row { "1\uFE0F\u20E3a", "1\uFE0F\u20E3" },                                    // keycap
-        Row { "\U0001F1F9\U0001F1F7\U0001F1EE\U0001F1F1", "\U0001F1F9\U0001F1F7" },   // two flags
-        Row { "\U0001F1F9x", "\U0001F1F9" },                                          // half a flag
-        Row { "\U0001F3F4\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007Fq",
+    testing::Values(CharacterRow { "Anna", "A" }, CharacterRow { "a", "a" },
+        CharacterRow { "\u0130brahim", "\u0130" }, CharacterRow { "\u05D3\u05E0\u05D4", "\u05D3" },
+        CharacterRow { "\u738B\u82B3", "\u738B" }, CharacterRow { "E\u0301milie", "E\u0301" },   // decomposed
+        CharacterRow { "\u05E9\u05BC\u05C1\u05E8\u05D4", "\u05E9\u05BC\u05C1" },   // a letter with two points
+        CharacterRow { "\U0001F469\u200D\U0001F680 Ada", "\U0001F469\u200D\U0001F680" },   // joined
+        CharacterRow { "\U0001F469\U0001F3FD\u200D\U0001F680x", "\U0001F469\U0001F3FD\u200D\U0001F680" },
+        CharacterRow { "\U0001F44D\U0001F3FFy", "\U0001F44D\U0001F3FF" },   // skin tone
+        CharacterRow { "\u2764\uFE0Fz", "\u2764\uFE0F" },                   // variation selector
+        CharacterRow { "1\uFE0F\u20E3a", "1\uFE0F\u20E3" },                 // keycap
+        CharacterRow { "\U0001F1F9\U0001F1F7\U0001F1EE\U0001F1F1", "\U0001F1F9\U0001F1F7" },   // two flags
+        CharacterRow { "\U0001F1F9x", "\U0001F1F9" },                                          // half a flag
+        CharacterRow { "\U0001F3F4\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007Fq",
             "\U0001F3F4\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F" },   // a flag by tags
-        Row { "\U00020000\u4E00", "\U00020000" }));                                       // beyond 16 bits
+        CharacterRow { "\U00020000\u4E00", "\U00020000" }));                              // beyond 16 bits
 
 }

@@ -14,7 +14,7 @@ namespace phone {
 
 namespace {
 
-constexpr double kTolerance = 1e-9;
+constexpr double kNumberTolerance = 1e-9;
 constexpr char kContactList[] = "/var/jb/var/mobile/Library/Preferences/com.orvane.corvellist.plist";
 
 }
@@ -77,7 +77,7 @@ Json StripTest::tree(UIView view) { return viewTree(view, { .detail = true, .han
 void expectTree(Json const& actual, Json const& expected, std::string const& where)
 {
     if (expected.is_number() && actual.is_number()) {
-        EXPECT_LE(std::abs(actual.get<double>() - expected.get<double>()), kTolerance)
+        EXPECT_LE(std::abs(actual.get<double>() - expected.get<double>()), kNumberTolerance)
             << where << ": " << actual << " instead of " << expected;
     } else if (expected.is_object() && actual.is_object()) {
         std::string const inner =
