@@ -5,6 +5,9 @@
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CORVEL_SYSROOT "" CACHE PATH "Debian's arm64 packages, unpacked")
+if(CORVEL_SYSROOT MATCHES "[ \t]")
+    message(FATAL_ERROR "A path with spaces can't be used here, since pkg-config takes none for a sysroot: ${CORVEL_SYSROOT}")
+endif()
 # Checks of the compiler are projects of their own.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CORVEL_SYSROOT)
 
