@@ -24,7 +24,7 @@ public:
     Answer<ClassChain> parse()
     {
         if (m_text.size() > kLongestQuery)
-            return invalidSelector("a class chain has at most 65536 bytes");
+            return invalidSelector("a class chain has at most " + std::to_string(kLongestQuery) + " bytes");
         ClassChain chain;
         do {
             ClassChain::Step step;

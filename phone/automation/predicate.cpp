@@ -49,7 +49,7 @@ public:
     Answer<NodePointer> parse()
     {
         if (m_text.size() > kLongestQuery)
-            return invalidSelector("a predicate has at most 65536 bytes");
+            return invalidSelector("a predicate has at most " + std::to_string(kLongestQuery) + " bytes");
         NodePointer const root = disjunction(0);
         skipSpace();
         if (!m_failure && m_at < m_text.size())

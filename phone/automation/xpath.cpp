@@ -185,7 +185,7 @@ bool isQuickXpath(std::string_view expression, std::size_t elements)
 Found findByXpath(ElementTree const& tree, std::size_t start, std::string_view expression, SearchLimit& limit)
 {
     if (expression.size() > kLongestQuery)
-        return invalidSelector("an XPath has at most 65536 bytes");
+        return invalidSelector("an XPath has at most " + std::to_string(kLongestQuery) + " bytes");
     // The library's own texts end at a zero byte.
     if (expression.find('\0') != std::string_view::npos)
         return invalidSelector("an XPath has no zero byte");
